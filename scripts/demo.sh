@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the zeblo tool, and drives the bundled
+# example desktop (examples/desktop.json) through the library's exports.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+BUILD_DIR=build scripts/build.sh >/dev/null
+
+desktop=examples/desktop.json
+zeblo() { build/zeblo --simulate "$desktop" "$@"; }
+show() {
+  printf '\n$ zeblo %s\n' "$*"
+  zeblo "$@" || true
+}
+trace() {
+  printf '\n$ zeblo --trace - %s\n' "$*"
+  build/zeblo --simulate "$desktop" --trace - "$@" 2>&1 || true
+}
+
+echo "== Applications =="
+show apps
+show frontmost
+# -- apps --
+trace focus Mail inbox 1 0 1000
+trace focus Sketchpad "" 1 1 0
+show launch Sketchpad
+show in-text-field
+# -- end apps --
+
+# -- menus --
+echo
+echo "== Menus =="
+show menus "Quick Notes"
+show menu-exists "Quick Notes" Edit Find "Find Next"
+show menu-enabled "Quick Notes" Edit Redo
+trace menu-click "Quick Notes" File "Save As…"
+# "Revert to Saved" refuses both the press and the pick: its actions are listed.
+trace menu-click "Quick Notes" File "Revert to Saved"
+# -- end menus --
+
+# -- keyboard --
+echo
+echo "== Keyboard and text =="
+# The text area "editor" of Quick Notes has the keyboard focus system-wide.
+trace type 'Hi!' --mark
+trace fill 'milk, eggs, bread' --enter
+# The pasteboard holds plain text and rich text; both come back after a paste.
+trace paste 'pasted text'
+trace key 'Quick Notes' s 8
+trace chord 0x100000 55 9
+trace type 'café'
+# -- end keyboard --
+
+# -- windows --
+echo
+echo "== Windows and controls =="
+show windows "Quick Notes"
+show buttons "Quick Notes" groceries
+show window-text Mail inbox
+show popup-items "Quick Notes" "" "font size"
+# The desktop's timeline opens "Export Complete" at 0.25 s of virtual time:
+# the trace shows the 0.05 s polls and the clock at the end (the lookup's
+# diagnostic log lines are left out here).
+trace wait-window "Quick Notes" "Export Complete" 0 1000 | grep -v '"log"'
+show click-button "Quick Notes" groceries share
+show close-window "Quick Notes" settings 1000
+show window-exists "Quick Notes" "no such window"
+# -- end windows --

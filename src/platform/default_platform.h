@@ -1,0 +1,16 @@
+// The machine's default backend, used until another one is installed. Each
+// system provides its own factory: the real desktop where the library has a
+// backend for it, otherwise an empty simulated desktop.
+#pragma once
+
+#include <memory>
+
+#include "platform/platform.h"
+
+namespace zeblo::platform {
+
+// Makes the default backend; called once, on the first use of `current()`
+// while nothing is installed.
+std::shared_ptr<Platform> makeDefaultPlatform();
+
+}  // namespace zeblo::platform

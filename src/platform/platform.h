@@ -1,0 +1,265 @@
+// The platform layer: every operation the library performs on the desktop
+// (accessibility elements, keyboard events, the workspace, the pasteboard,
+// sleeping, the clock and the log) goes through the `Platform` interface
+// declared here. Backends live beside this file: `sim/` (an in-memory desktop
+// used by tests and the command-line tool) and `macos/` (the real one).
+//
+// Ownership follows the Core Foundation rule: whatever a Copy or Create
+// operation hands back is owned by the caller. Here that ownership is held by
+// RAII handles (`Element`, `Event`, `EventSource`), so a handle can never leak,
+// whatever path (including an exception) the caller leaves by.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zeblo::platform {
+
+class Platform;
+
+// ---------------------------------------------------------------------------
+// Result codes of the accessibility interface (32-bit; 0 is success).
+
+using AXError = std::int32_t;
+inline constexpr AXError kAXErrorSuccess = 0;
+inline constexpr AXError kAXErrorFailure = -25200;
+inline constexpr AXError kAXErrorIllegalArgument = -25201;
+inline constexpr AXError kAXErrorInvalidUIElement = -25202;
+inline constexpr AXError kAXErrorCannotComplete = -25204;
+inline constexpr AXError kAXErrorAttributeUnsupported = -25205;
+inline constexpr AXError kAXErrorActionUnsupported = -25206;
+inline constexpr AXError kAXErrorAPIDisabled = -25211;
+inline constexpr AXError kAXErrorNoValue = -25212;
+
+// ---------------------------------------------------------------------------
+// Handles.
+
+// What a raw handle refers to; backends use it to pick the right release.
+enum class HandleKind : std::uint8_t { element, event, eventSource };
+
+// An owning, reference-counted handle to one backend object. Copying retains,
+// destruction releases. A default-constructed handle is null.
+template <HandleKind K>
+class Handle {
+public:
+    Handle() noexcept = default;
+
+    // Takes over one reference the backend has already counted.
+    static Handle adopt(Platform* owner, void* raw) noexcept {
+        Handle h;
+        if (raw != nullptr) {
+            h.owner_ = owner;
+            h.raw_ = raw;
+        }
+        return h;
+    }
+
+    Handle(const Handle& other) noexcept;
+    Handle(Handle&& other) noexcept
+        : owner_(std::exchange(other.owner_, nullptr)), raw_(std::exchange(other.raw_, nullptr)) {}
+    Handle& operator=(Handle other) noexcept {
+        std::swap(owner_, other.owner_);
+        std::swap(raw_, other.raw_);
+        return *this;
+    }
+    ~Handle();
+
+    explicit operator bool() const noexcept { return raw_ != nullptr; }
+    void* raw() const noexcept { return raw_; }
+    Platform* owner() const noexcept { return owner_; }
+
+private:
+    Platform* owner_ = nullptr;
+    void* raw_ = nullptr;
+};
+
+using Element = Handle<HandleKind::element>;
+using Event = Handle<HandleKind::event>;
+using EventSource = Handle<HandleKind::eventSource>;
+
+// ---------------------------------------------------------------------------
+// Attribute values.
+
+// A value of a kind the library never reads (a floating-point number, a
+// dictionary, a mixed array...). Kept only so it can be told apart.
+struct OtherValue {
+    std::string description;
+};
+
+// An attribute value as the accessibility interface hands it back. Strings are
+// UTF-8; backends replace ill-formed text with U+FFFD before handing it up.
+// An array of elements keeps its null entries as null `Element`s.
+using Value = std::variant<std::monostate,            // succeeded with no value
+                           std::string,               // text
+                           bool,                      // boolean
+                           std::int64_t,              // integer number
+                           Element,                   // accessibility element
+                           std::vector<Element>,      // array of elements
+                           std::vector<std::string>,  // array of strings
+                           OtherValue>;               // anything else
+
+// The outcome of one attribute read: a result code and, on success, a value
+// (or none).
+struct AttributeRead {
+    AXError code = kAXErrorFailure;
+    Value value;
+};
+
+// How a typed look at an attribute read came out.
+enum class ReadStatus : std::uint8_t {
+    failed,     // the read failed with `code`
+    noValue,    // the read succeeded with no value
+    ok,         // a value of the expected kind
+    wrongKind,  // a value of another kind
+};
+
+// A typed view of an attribute read: the four outcomes the library tells apart.
+template <class T>
+struct Read {
+    ReadStatus status = ReadStatus::failed;
+    AXError code = kAXErrorFailure;
+    T value{};
+
+    bool ok() const noexcept { return status == ReadStatus::ok; }
+    explicit operator bool() const noexcept { return ok(); }
+};
+
+// Typed views. An empty array counts as an array of either kind.
+Read<std::string> asString(AttributeRead&& r);
+Read<bool> asBool(AttributeRead&& r);
+Read<std::int64_t> asInteger(AttributeRead&& r);
+Read<Element> asElement(AttributeRead&& r);
+Read<std::vector<Element>> asElementArray(AttributeRead&& r);
+Read<std::vector<std::string>> asStringArray(AttributeRead&& r);
+
+// A value the library writes into an attribute: text (direct entry into a text
+// field) or an integer number (a checkbox's value).
+using SetValue = std::variant<std::string, std::int64_t>;
+
+// A list of names (attributes or actions) with the result code of the query.
+struct NamesRead {
+    AXError code = kAXErrorFailure;
+    std::optional<std::vector<std::string>> names;
+};
+
+struct SettableRead {
+    AXError code = kAXErrorFailure;
+    bool settable = false;
+};
+
+// ---------------------------------------------------------------------------
+// Workspace.
+
+// The workspace's record of one running application, read when the list or
+// the frontmost application was asked for.
+struct RunningApp {
+    std::optional<std::string> localizedName;
+    std::int32_t pid = 0;
+    bool hidden = false;
+    std::int64_t activationPolicy = 0;  // 0 regular, 1 accessory, 2 prohibited
+};
+
+inline constexpr std::uint64_t kActivateIgnoringOtherApps = 2;
+
+// ---------------------------------------------------------------------------
+// Keyboard events.
+
+inline constexpr std::int32_t kEventSourceStateHIDSystemState = 1;
+inline constexpr std::uint32_t kHIDEventTap = 0;
+
+// ---------------------------------------------------------------------------
+// Pasteboard.
+
+using Bytes = std::vector<std::uint8_t>;
+
+// The type of plain text on the pasteboard.
+inline constexpr std::string_view kPasteboardTypeString = "public.utf8-plain-text";
+
+// One pasteboard item as read: its types in the item's order, each with its
+// data, or no data when the item could not provide it.
+struct PasteboardItem {
+    std::vector<std::pair<std::string, std::optional<Bytes>>> entries;
+};
+
+// ---------------------------------------------------------------------------
+// The interface.
+
+class Platform {
+public:
+    virtual ~Platform() = default;
+
+    // Accessibility elements and attributes.
+    virtual Element createApplicationElement(std::int32_t pid) = 0;
+    virtual Element createSystemWideElement() = 0;
+    virtual AttributeRead copyAttributeValue(const Element& element, std::string_view attribute) = 0;
+    virtual NamesRead copyAttributeNames(const Element& element) = 0;
+    virtual AXError setAttributeValue(const Element& element, std::string_view attribute,
+                                      const SetValue& value) = 0;
+    virtual SettableRead isAttributeSettable(const Element& element, std::string_view attribute) = 0;
+
+    // Accessibility actions and trust.
+    virtual AXError performAction(const Element& element, std::string_view action) = 0;
+    virtual NamesRead copyActionNames(const Element& element) = 0;
+    virtual bool isProcessTrusted(bool prompt) = 0;
+
+    // Keyboard events. A creation that fails gives a null handle.
+    virtual EventSource createEventSource(std::int32_t stateId) = 0;
+    virtual Event createKeyboardEvent(const EventSource* source, std::uint16_t keyCode, bool keyDown) = 0;
+    virtual void setEventFlags(const Event& event, std::uint64_t flags) = 0;
+    virtual void setEventIntegerField(const Event& event, std::uint32_t field, std::int64_t value) = 0;
+    virtual void postEvent(std::uint32_t tap, const Event& event) = 0;
+
+    // Workspace and running applications.
+    virtual std::optional<RunningApp> frontmostApplication() = 0;
+    virtual std::vector<RunningApp> runningApplications() = 0;
+    virtual bool launchApplication(std::string_view name) = 0;
+    virtual bool activateApplication(const RunningApp& app, std::uint64_t options) = 0;
+
+    // General pasteboard. `pasteboardItems` gives nothing when the pasteboard
+    // has no item list at all.
+    virtual std::optional<std::vector<PasteboardItem>> pasteboardItems() = 0;
+    virtual void clearPasteboard() = 0;
+    virtual bool setPasteboardString(std::string_view text, std::string_view type) = 0;
+    virtual bool writePasteboardItems(const std::vector<PasteboardItem>& items) = 0;
+
+    // Sleeping, the clock (seconds from an arbitrary origin) and the log.
+    virtual void sleep(double seconds) = 0;
+    virtual double now() = 0;
+    virtual void log(std::string_view line) = 0;
+
+    // Reference counting of raw handles; used by `Handle` only.
+    virtual void retainHandle(HandleKind kind, void* raw) noexcept = 0;
+    virtual void releaseHandle(HandleKind kind, void* raw) noexcept = 0;
+};
+
+template <HandleKind K>
+Handle<K>::Handle(const Handle& other) noexcept : owner_(other.owner_), raw_(other.raw_) {
+    if (raw_ != nullptr) owner_->retainHandle(K, raw_);
+}
+
+template <HandleKind K>
+Handle<K>::~Handle() {
+    if (raw_ != nullptr) owner_->releaseHandle(K, raw_);
+}
+
+// ---------------------------------------------------------------------------
+// The process-wide backend.
+
+// The backend every operation uses. Until one is installed this is the
+// machine's default: the real desktop where the library has a backend for it,
+// otherwise an empty desktop with no applications and no frontmost
+// application.
+Platform& current();
+
+// Installs `backend` for every later call; null goes back to the default.
+// Install before calling into the library from other threads: handles obtained
+// from one backend must not outlive it.
+void install(std::shared_ptr<Platform> backend);
+
+}  // namespace zeblo::platform

@@ -1,0 +1,217 @@
+// The accessibility operations of the simulated desktop: elements, attribute
+// reads and writes, actions (with the effects of a press) and the trust check.
+#include <unordered_set>
+
+#include "platform/sim/sim_state.h"
+
+namespace zeblo::sim {
+
+using Json = nlohmann::ordered_json;
+using platform::AXError;
+
+namespace {
+
+// The node behind a handle of this desktop; null for a null or foreign handle.
+Node* nodeOf(const platform::Platform* self, const platform::Element& e) {
+    return e.owner() == self ? static_cast<Node*>(e.raw()) : nullptr;
+}
+
+Json idJson(const Node* n) { return n == nullptr || n->id.empty() ? Json(nullptr) : Json(n->id); }
+
+// Why an operation on `n` cannot proceed, or success.
+AXError usable(const Node* n) {
+    if (n == nullptr) return platform::kAXErrorIllegalArgument;
+    if (n->dead) return platform::kAXErrorInvalidUIElement;
+    return platform::kAXErrorSuccess;
+}
+
+// Whether `target` is `root` or lies below it through any attribute. Walks
+// with an explicit list; shared nodes and cycles are visited once.
+bool holds(Node* root, const Node* target) {
+    std::vector<Node*> work{root};
+    std::unordered_set<const Node*> seen{root};
+    auto visit = [&](Node* n) {
+        if (n != nullptr && seen.insert(n).second) work.push_back(n);
+    };
+    while (!work.empty()) {
+        Node* n = work.back();
+        work.pop_back();
+        if (n == target) return true;
+        for (auto& [name, value] : n->attrs) {
+            if (auto* child = std::get_if<Node*>(&value)) visit(*child);
+            if (auto* children = std::get_if<std::vector<Node*>>(&value))
+                for (Node* c : *children) visit(c);
+        }
+    }
+    return false;
+}
+
+// Removes the window holding `n` from its application's "AXWindows".
+void closeWindowHolding(std::vector<SimApp>& apps, const Node* n) {
+    for (auto& app : apps) {
+        if (app.element == nullptr) continue;
+        Attr* a = app.element->findAttr("AXWindows");
+        auto* windows = a == nullptr ? nullptr : std::get_if<std::vector<Node*>>(a);
+        if (windows == nullptr) continue;
+        for (Node* w : *windows) {
+            if (w != nullptr && holds(w, n)) {
+                std::erase(*windows, w);
+                return;
+            }
+        }
+    }
+}
+
+void toggle(Node& n) {
+    Attr* a = n.findAttr("AXValue");
+    auto* v = a == nullptr ? nullptr : std::get_if<std::int64_t>(a);
+    n.setAttr("AXValue", std::int64_t{v != nullptr && *v == 0 ? 1 : (v != nullptr && *v == 1 ? 0 : 1)});
+}
+
+}  // namespace
+
+platform::Element SimDesktop::elementOf(Node* n) {
+    if (n == nullptr) return {};
+    ++impl_->liveHandles;
+    return platform::Element::adopt(this, n);
+}
+
+platform::Element SimDesktop::createApplicationElement(std::int32_t pid) {
+    std::lock_guard lock(impl_->mu);
+    Node* n = nullptr;
+    if (SimApp* app = impl_->findApp(pid)) {
+        if (app->element == nullptr) app->element = impl_->makeNode({});
+        n = app->element;
+    } else {
+        n = impl_->deadElement();
+    }
+    ++impl_->liveHandles;
+    return platform::Element::adopt(this, n);
+}
+
+platform::Element SimDesktop::createSystemWideElement() {
+    std::lock_guard lock(impl_->mu);
+    if (impl_->systemWide == nullptr) impl_->systemWide = impl_->makeNode({});
+    ++impl_->liveHandles;
+    return platform::Element::adopt(this, impl_->systemWide);
+}
+
+platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& element,
+                                                       std::string_view attribute) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    if (AXError e = usable(n)) return {e, {}};
+    if (auto it = n->errors.find(attribute); it != n->errors.end()) return {it->second, {}};
+    const Attr* a = n->findAttr(attribute);
+    if (a == nullptr) return {platform::kAXErrorAttributeUnsupported, {}};
+
+    auto handOut = [&](Node* child) {
+        if (child == nullptr) return platform::Element{};
+        ++impl_->liveHandles;
+        return platform::Element::adopt(this, child);
+    };
+    platform::AttributeRead r{platform::kAXErrorSuccess, {}};
+    if (auto* s = std::get_if<std::string>(a)) {
+        r.value = *s;
+    } else if (auto* b = std::get_if<bool>(a)) {
+        r.value = *b;
+    } else if (auto* i = std::get_if<std::int64_t>(a)) {
+        r.value = *i;
+    } else if (auto* d = std::get_if<double>(a)) {
+        r.value = platform::OtherValue{Json(*d).dump()};
+    } else if (auto* child = std::get_if<Node*>(a)) {
+        if (*child != nullptr) r.value = handOut(*child);
+    } else if (auto* children = std::get_if<std::vector<Node*>>(a)) {
+        std::vector<platform::Element> out;
+        out.reserve(children->size());
+        for (Node* c : *children) out.push_back(handOut(c));
+        r.value = std::move(out);
+    } else if (auto* strings = std::get_if<std::vector<std::string>>(a)) {
+        r.value = *strings;
+    }
+    return r;
+}
+
+platform::NamesRead SimDesktop::copyAttributeNames(const platform::Element& element) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    if (AXError e = usable(n)) return {e, std::nullopt};
+    std::vector<std::string> names;
+    names.reserve(n->attrs.size());
+    for (const auto& [name, value] : n->attrs) names.push_back(name);
+    return {platform::kAXErrorSuccess, std::move(names)};
+}
+
+AXError SimDesktop::setAttributeValue(const platform::Element& element, std::string_view attribute,
+                                      const platform::SetValue& value) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    AXError result = usable(n);
+    if (result == platform::kAXErrorSuccess) {
+        if (n->setResult) {
+            result = *n->setResult;
+        } else if (n->settable.count(attribute) == 0) {
+            result = platform::kAXErrorAttributeUnsupported;
+        }
+    }
+    if (result == platform::kAXErrorSuccess) {
+        if (auto* s = std::get_if<std::string>(&value)) {
+            n->setAttr(std::string(attribute), *s);
+        } else {
+            n->setAttr(std::string(attribute), std::get<std::int64_t>(value));
+        }
+    }
+    Json shown = std::holds_alternative<std::string>(value) ? Json(traceText(std::get<std::string>(value)))
+                                                            : Json(std::get<std::int64_t>(value));
+    impl_->record(Json{{"set", traceText(attribute)}, {"element", idJson(n)}, {"value", std::move(shown)},
+                       {"result", result}});
+    return result;
+}
+
+platform::SettableRead SimDesktop::isAttributeSettable(const platform::Element& element,
+                                                       std::string_view attribute) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    if (AXError e = usable(n)) return {e, false};
+    return {platform::kAXErrorSuccess, n->settable.count(attribute) != 0};
+}
+
+AXError SimDesktop::performAction(const platform::Element& element, std::string_view action) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    AXError result = usable(n);
+    if (result == platform::kAXErrorSuccess) {
+        result = platform::kAXErrorActionUnsupported;
+        for (auto& [name, codes] : n->actions) {
+            if (name != action) continue;
+            result = codes.empty() ? platform::kAXErrorSuccess : codes.front();
+            if (codes.size() > 1) codes.erase(codes.begin());  // the last code repeats
+            break;
+        }
+    }
+    if (result == platform::kAXErrorSuccess && action == "AXPress") {
+        if (n->onPress == OnPress::close) closeWindowHolding(impl_->apps, n);
+        if (n->onPress == OnPress::toggle) toggle(*n);
+    }
+    impl_->record(Json{{"action", traceText(action)}, {"element", idJson(n)}, {"result", result}});
+    return result;
+}
+
+platform::NamesRead SimDesktop::copyActionNames(const platform::Element& element) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    if (AXError e = usable(n)) return {e, std::nullopt};
+    if (n->actionNamesError) return {*n->actionNamesError, std::nullopt};
+    std::vector<std::string> names;
+    names.reserve(n->actions.size());
+    for (const auto& [name, codes] : n->actions) names.push_back(name);
+    return {platform::kAXErrorSuccess, std::move(names)};
+}
+
+bool SimDesktop::isProcessTrusted(bool prompt) {
+    std::lock_guard lock(impl_->mu);
+    impl_->record(Json{{"trustCheck", Json{{"prompt", prompt}}}, {"trusted", impl_->trusted}});
+    return impl_->trusted;
+}
+
+}  // namespace zeblo::sim

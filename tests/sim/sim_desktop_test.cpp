@@ -1,0 +1,241 @@
+// The simulated desktop's behaviour: actions and their effects, setting
+// attributes, the timeline and the clock, events, the workspace, the
+// pasteboard, handle counting and the trace.
+#include "sim_test_util.h"
+
+namespace zeblo::sim::testing {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kWindows = R"({
+  "apps": [{"name": "Mail", "pid": 120, "activate": false, "element": {"attrs": {"AXWindows": [
+    {"id": "w1", "attrs": {"AXCloseButton": {"id": "x1", "onPress": "close", "actions": {"AXPress": 0}}}},
+    {"id": "w2", "attrs": {"AXChildren": [{"attrs": {"AXChildren": [
+      {"id": "x2", "onPress": "close", "actions": {"AXPress": [-25204, 0]}}]}}]}},
+    {"id": "w3", "attrs": {"AXChildren": [
+      {"id": "box", "attrs": {"AXValue": 0}, "onPress": "toggle", "actions": {"AXPress": 0, "AXPick": 0}},
+      {"id": "field", "attrs": {"AXValue": "old"}, "settable": ["AXValue"]},
+      {"id": "locked", "attrs": {"AXValue": "old"}, "settable": ["AXValue"], "setResult": -25200,
+       "actionNamesError": -25204},
+      {"attrs": {"AXValue": "x"}, "actions": {"AXPress": 0}}]}}]}}},
+   {"name": "Notes", "pid": 130}],
+  "launchable": {"TextEdit": {"pid": 140}},
+  "frontmost": 120
+})";
+
+TEST_F(SimTest, ActionsConsumeResultCodesAndPressesCloseOrToggle) {
+    load(kWindows);
+    Element x2 = desk->elementOf(desk->node("x2"));
+    EXPECT_EQ(desk->performAction(x2, "AXPress"), -25204);  // nothing happens on failure
+    EXPECT_EQ(windowIds(120), (std::vector<std::string>{"w1", "w2", "w3"}));
+    EXPECT_EQ(desk->performAction(x2, "AXPress"), 0);  // the window holding x2 closes
+    EXPECT_EQ(desk->performAction(x2, "AXPress"), 0);  // the last code repeats
+    EXPECT_EQ(desk->performAction(x2, "AXShowMenu"), kAXErrorActionUnsupported);
+    EXPECT_EQ(desk->performAction(desk->elementOf(desk->node("x1")), "AXPress"), 0);
+    EXPECT_EQ(windowIds(120), (std::vector<std::string>{"w3"}));
+
+    Element box = desk->elementOf(desk->node("box"));
+    EXPECT_EQ(desk->performAction(box, "AXPick"), 0);  // only a press toggles
+    EXPECT_EQ(asInteger(read(box, "AXValue")).value, 0);
+    desk->performAction(box, "AXPress");
+    EXPECT_EQ(asInteger(read(box, "AXValue")).value, 1);
+    desk->performAction(box, "AXPress");
+    EXPECT_EQ(asInteger(read(box, "AXValue")).value, 0);
+    desk->node("box")->setAttr("AXValue", std::string("mixed"));
+    desk->performAction(box, "AXPress");
+    EXPECT_EQ(asInteger(read(box, "AXValue")).value, 1);
+
+    auto trace = desk->trace();
+    ASSERT_EQ(trace.size(), 9u);
+    EXPECT_EQ(trace[0], Json::parse(R"({"action": "AXPress", "element": "x2", "result": -25204})"));
+    auto kids = asElementArray(read(app(120), "AXWindows")).value;
+    auto last = asElementArray(read(kids[0], "AXChildren")).value.back();
+    desk->performAction(last, "AXPress");
+    EXPECT_EQ(desk->trace().back(), Json::parse(R"({"action": "AXPress", "element": null, "result": 0})"));
+}
+
+TEST_F(SimTest, SettingChangesLaterReadsAndDeadElementsFailEverything) {
+    load(kWindows);
+    Element field = desk->elementOf(desk->node("field"));
+    Element locked = desk->elementOf(desk->node("locked"));
+    EXPECT_EQ(desk->setAttributeValue(field, "AXValue", std::string("new")), 0);
+    EXPECT_EQ(asString(read(field, "AXValue")).value, "new");
+    EXPECT_EQ(desk->setAttributeValue(field, "AXValue", std::int64_t{1}), 0);
+    EXPECT_EQ(asInteger(read(field, "AXValue")).value, 1);
+    EXPECT_EQ(desk->setAttributeValue(field, "AXTitle", std::string("t")), kAXErrorAttributeUnsupported);
+    EXPECT_EQ(desk->setAttributeValue(locked, "AXValue", std::string("new")), -25200);
+    EXPECT_EQ(asString(read(locked, "AXValue")).value, "old");
+    auto settable = desk->isAttributeSettable(locked, "AXValue");
+    EXPECT_EQ(settable.code, 0);
+    EXPECT_TRUE(settable.settable);
+    EXPECT_FALSE(desk->isAttributeSettable(locked, "AXTitle").settable);
+    auto names = desk->copyActionNames(locked);
+    EXPECT_EQ(names.code, -25204);
+    EXPECT_FALSE(names.names);
+    EXPECT_EQ(desk->trace()[0],
+              Json::parse(R"({"set": "AXValue", "element": "field", "value": "new", "result": 0})"));
+    EXPECT_EQ(desk->trace()[1], Json::parse(R"({"set": "AXValue", "element": "field", "value": 1, "result": 0})"));
+
+    Element gone = app(999);  // no such process
+    EXPECT_EQ(read(gone, "AXRole").code, kAXErrorInvalidUIElement);
+    EXPECT_EQ(desk->copyAttributeNames(gone).code, kAXErrorInvalidUIElement);
+    EXPECT_EQ(desk->performAction(gone, "AXPress"), kAXErrorInvalidUIElement);
+    EXPECT_EQ(desk->setAttributeValue(gone, "AXValue", std::string("x")), kAXErrorInvalidUIElement);
+    EXPECT_EQ(read(Element{}, "AXRole").code, kAXErrorIllegalArgument);
+}
+
+TEST_F(SimTest, SleepingAppliesTheTimelineOnAnExactClock) {
+    load(R"({"apps": [{"name": "A", "pid": 1, "element": {"attrs": {"AXWindows": [{"id": "w1"}, {"id": "w2"}]}}},
+                      {"name": "B", "pid": 2}],
+      "frontmost": 1,
+      "timeline": [{"at": 0, "frontmost": 2}, {"at": 0.3, "frontmost": null},
+                   {"at": 0.5, "addWindow": {"pid": 1, "window": {"id": "w3"}}},
+                   {"addWindow": {"pid": 2, "window": {"ref": "w1"}}, "at": 0.5},
+                   {"at": 1.0, "removeWindow": "w1"}, {"at": 1.0, "removeApp": 2},
+                   {"at": 2, "addApp": {"name": "C", "pid": 3, "element": {"attrs": {"AXTitle": "C"}}}}]})");
+    EXPECT_EQ(desk->frontmostApplication()->pid, 2);  // "at" 0 is applied at load
+    for (int i = 0; i < 3; ++i) desk->sleep(0.1);
+    EXPECT_EQ(desk->now(), 0.3);
+    EXPECT_FALSE(desk->frontmostApplication());
+    desk->sleep(0.05);
+    desk->sleep(0.15);
+    EXPECT_EQ(windowIds(1), (std::vector<std::string>{"w1", "w2", "w3"}));
+    EXPECT_EQ(windowIds(2), (std::vector<std::string>{"w1"}));  // the array is created
+    desk->sleep(0.5);
+    EXPECT_EQ(windowIds(1), (std::vector<std::string>{"w2", "w3"}));
+    EXPECT_EQ(desk->runningApplications().size(), 1u);
+    EXPECT_EQ(read(app(2), "AXWindows").code, kAXErrorInvalidUIElement);
+    desk->sleep(0.99);
+    EXPECT_EQ(desk->runningApplications().size(), 1u);
+    desk->sleep(0.01);
+    EXPECT_EQ(desk->now(), 2.0);
+    EXPECT_EQ(asString(read(app(3), "AXTitle")).value, "C");
+    EXPECT_EQ(desk->trace()[3], Json::parse(R"({"sleep": 0.05})"));
+    EXPECT_EQ(desk->endRecord()["end"]["clock"], 2.0);
+}
+
+TEST_F(SimTest, EventsCountFailuresAndRecordFlagsAndMarker) {
+    load(R"({"failures": {"keyboardEvents": [2]}})");
+    EventSource source = desk->createEventSource(kEventSourceStateHIDSystemState);
+    ASSERT_TRUE(source);
+    Event e1 = desk->createKeyboardEvent(&source, 12, true);
+    EXPECT_FALSE(desk->createKeyboardEvent(&source, 12, false));
+    Event e3 = desk->createKeyboardEvent(nullptr, 13, false);
+    EXPECT_TRUE(e1 && e3);
+    desk->resetEventCount();
+    EXPECT_TRUE(desk->createKeyboardEvent(nullptr, 1, true));
+    EXPECT_FALSE(desk->createKeyboardEvent(nullptr, 1, true));
+    desk->setEventFlags(e1, 0x100000);
+    desk->setEventIntegerField(e1, 127, 42);
+    desk->setEventIntegerField(e3, 5, 9);  // only field 127 is kept
+    Event copy = e1;
+    e1 = {};  // the copy keeps the event alive
+    EXPECT_EQ(desk->liveHandles(), 3);
+    desk->postEvent(kHIDEventTap, copy);
+    desk->postEvent(kHIDEventTap, e3);
+    EXPECT_EQ(desk->trace()[0], Json::parse(R"({"key": 12, "down": true, "flags": 1048576, "marker": 42})"));
+    EXPECT_EQ(desk->trace()[1], Json::parse(R"({"key": 13, "down": false, "flags": null, "marker": null})"));
+    desk->setEventSourceFails(true);
+    EXPECT_FALSE(desk->createEventSource(kEventSourceStateHIDSystemState));
+}
+
+TEST_F(SimTest, LaunchAndActivateFollowTheDesktop) {
+    load(kWindows);
+    EXPECT_TRUE(desk->launchApplication("TextEdit"));
+    EXPECT_EQ(desk->runningApplications().back().localizedName, "TextEdit");
+    EXPECT_TRUE(desk->launchApplication("TextEdit"));  // now running: accepted, not added again
+    EXPECT_EQ(desk->runningApplications().size(), 3u);
+    EXPECT_TRUE(desk->launchApplication("Mail"));
+    EXPECT_FALSE(desk->launchApplication("mail"));
+    auto apps = desk->runningApplications();
+    EXPECT_FALSE(desk->activateApplication(apps[0], kActivateIgnoringOtherApps));  // Mail refuses
+    EXPECT_TRUE(desk->activateApplication(apps[1], 0));
+    EXPECT_EQ(desk->frontmostApplication()->pid, 130);
+    EXPECT_FALSE(desk->activateApplication(RunningApp{std::nullopt, 999, false, 0}, 0));
+    auto trace = desk->trace();
+    EXPECT_EQ(trace[0], Json::parse(R"({"launch": "TextEdit", "accepted": true})"));
+    EXPECT_EQ(trace[3], Json::parse(R"({"launch": "mail", "accepted": false})"));
+    EXPECT_EQ(trace[4], Json::parse(R"({"activate": 120, "options": 2, "accepted": false})"));
+}
+
+TEST_F(SimTest, PasteboardRoundTripsBinaryData) {
+    const char* board = R"([{"public.utf8-plain-text": "hello", "bin": {"base64": "/wABAg=="}}, {"promise": null}])";
+    load(std::string(R"({"pasteboard": )") + board + "}");
+    auto items = *desk->pasteboardItems();
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(items[0].entries[1].second, (Bytes{0xff, 0x00, 0x01, 0x02}));
+    EXPECT_FALSE(items[1].entries[0].second);
+    desk->clearPasteboard();
+    EXPECT_TRUE(desk->pasteboardItems()->empty());
+    EXPECT_TRUE(desk->writePasteboardItems(items));
+    EXPECT_EQ(desk->endRecord()["end"]["pasteboard"], Json::parse(board));
+    EXPECT_EQ(desk->trace()[1]["items"], Json::parse(board));
+    EXPECT_TRUE(desk->setPasteboardString("h\xc3\xa9", kPasteboardTypeString));
+    EXPECT_EQ(desk->trace().back(),
+              Json::parse(R"({"pasteboard": "setString", "type": "public.utf8-plain-text", "text": "hé"})"));
+
+    // Every length of ill-formed data survives the trace form and a reload.
+    for (std::uint8_t n = 0; n < 7; ++n) {
+        Bytes data(n, 0);
+        for (std::uint8_t i = 0; i < n; ++i) data[i] = static_cast<std::uint8_t>(0x80 + 37 * i);
+        auto json = SimDesktop::pasteboardJson({SimPasteboardItem{{{"t", data}}}});
+        auto again = SimDesktop::fromJson(Json{{"pasteboard", json}}.dump());
+        EXPECT_EQ(again->pasteboard()[0].entries[0].second, data) << json.dump();
+    }
+}
+
+TEST_F(SimTest, LiveHandlesCountEveryReferenceIncludingArrayEntries) {
+    load(R"({"apps": [{"pid": 1, "element": {"attrs": {"AXChildren": [{"id": "a"}, null, {"id": "b"}],
+                                                        "AXMenuBar": null}}}]})");
+    Element root = app(1);
+    EXPECT_EQ(desk->liveHandles(), 1);
+    {
+        AttributeRead r = read(root, "AXChildren");
+        EXPECT_EQ(desk->liveHandles(), 3);  // one per non-null entry
+        auto copy = std::get<std::vector<Element>>(r.value);
+        EXPECT_EQ(desk->liveHandles(), 5);
+        auto view = asElementArray(std::move(r));
+        EXPECT_EQ(desk->liveHandles(), 5);
+        EXPECT_EQ(asElement(read(root, "AXMenuBar")).status, ReadStatus::noValue);
+        EXPECT_EQ(desk->liveHandles(), 5);
+    }
+    EXPECT_EQ(desk->liveHandles(), 1);
+    root = {};
+    EXPECT_EQ(desk->endRecord()["end"]["liveHandles"], 0);
+}
+
+TEST_F(SimTest, RecordingOffKeepsNoTrace) {
+    load(kWindows);
+    desk->setRecording(false);
+    desk->log("line");
+    desk->sleep(0.5);
+    desk->clearPasteboard();
+    EXPECT_TRUE(desk->trace().empty());
+    desk->setRecording(true);
+    desk->log("bad \xff byte");
+    EXPECT_EQ(desk->logLines(), (std::vector<std::string>{"bad \xef\xbf\xbd byte"}));
+}
+
+TEST(PlatformInstall, DefaultIsEmptyAndReplacedBackendsStayAlive) {
+    Platform& def = current();
+    EXPECT_TRUE(def.runningApplications().empty());
+    EXPECT_FALSE(def.frontmostApplication());
+    def.log("100% %s %n done");  // to the system log, as text
+    EXPECT_TRUE(dynamic_cast<SimDesktop&>(def).trace().empty());
+
+    auto desk = SimDesktop::fromJson(R"({"apps": [{"pid": 1, "element": {"attrs": {"AXTitle": "T"}}}]})");
+    install(desk);
+    EXPECT_EQ(&current(), desk.get());
+    Element e = current().createApplicationElement(1);
+    SimDesktop* raw = desk.get();
+    desk.reset();
+    install(nullptr);  // the replaced desktop is kept, so `e` stays usable
+    EXPECT_EQ(&current(), &def);
+    EXPECT_EQ(asString(e.owner()->copyAttributeValue(e, "AXTitle")).value, "T");
+    e = {};
+    EXPECT_EQ(raw->liveHandles(), 0);
+}
+
+}  // namespace
+}  // namespace zeblo::sim::testing
