@@ -1,0 +1,75 @@
+// Declarations of exactly the AppKit classes, methods and types that the macOS
+// backend uses: the workspace, running applications and the pasteboard. For
+// the syntax check only (tests/macos/syntax_check.sh); each declaration has the
+// signature of the macOS SDK header named beside it.
+#pragma once
+
+#include <Foundation/Foundation.h>
+#include <sys/types.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@class NSRunningApplication;
+
+// --- NSWorkspace.h ---------------------------------------------------------------------------
+@interface NSWorkspace : NSObject
+@property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+@property(nullable, readonly, strong) NSRunningApplication* frontmostApplication;
+@end
+
+@interface NSWorkspace (NSDeprecated)
+- (BOOL)launchApplication:(NSString*)appName
+    __attribute__((deprecated("Use -[NSWorkspace openApplicationAtURL:configuration:completionHandler:] instead.")));
+@end
+
+// --- NSRunningApplication.h --------------------------------------------------------------------
+typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions){
+    NSApplicationActivateAllWindows = 1 << 0,
+    NSApplicationActivateIgnoringOtherApps = 1 << 1,
+};
+
+typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){
+    NSApplicationActivationPolicyRegular,
+    NSApplicationActivationPolicyAccessory,
+    NSApplicationActivationPolicyProhibited,
+};
+
+@interface NSRunningApplication : NSObject
+@property(readonly, getter=isHidden) BOOL hidden;
+@property(readonly) NSApplicationActivationPolicy activationPolicy;
+@property(nullable, readonly, copy) NSString* localizedName;
+@property(readonly) pid_t processIdentifier;
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
++ (nullable instancetype)runningApplicationWithProcessIdentifier:(pid_t)pid;
+@end
+
+@interface NSWorkspace (NSWorkspaceRunningApplications)
+@property(readonly, copy) NSArray<NSRunningApplication*>* runningApplications;
+@end
+
+// --- NSPasteboard.h ----------------------------------------------------------------------------
+typedef NSString* NSPasteboardType NS_TYPED_EXTENSIBLE_ENUM;
+
+@protocol NSPasteboardWriting <NSObject>
+@end
+@protocol NSPasteboardReading <NSObject>
+@end
+
+@class NSPasteboardItem;
+
+@interface NSPasteboard : NSObject
+@property(class, readonly, strong) NSPasteboard* generalPasteboard;
+- (NSInteger)clearContents;
+- (BOOL)writeObjects:(NSArray<id<NSPasteboardWriting>>*)objects;
+@property(nullable, readonly, copy) NSArray<NSPasteboardItem*>* pasteboardItems;
+- (BOOL)setString:(NSString*)string forType:(NSPasteboardType)dataType;
+@end
+
+// --- NSPasteboardItem.h ------------------------------------------------------------------------
+@interface NSPasteboardItem : NSObject <NSPasteboardWriting, NSPasteboardReading>
+@property(readonly, copy) NSArray<NSPasteboardType>* types;
+- (BOOL)setData:(NSData*)data forType:(NSPasteboardType)type;
+- (nullable NSData*)dataForType:(NSPasteboardType)type;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,118 @@
+// Declarations of exactly the ApplicationServices parts that the macOS backend
+// uses: accessibility elements and the trust check (HIServices) and keyboard
+// events (CoreGraphics). For the syntax check only (tests/macos/syntax_check.sh);
+// each declaration has the signature of the macOS SDK header named beside it.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <sys/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// --- CoreGraphics: CGBase.h ------------------------------------------------------
+#define CG_EXTERN extern
+#define CG_AVAILABLE_STARTING(...)
+
+CF_IMPLICIT_BRIDGING_ENABLED
+
+// --- HIServices: AXError.h -----------------------------------------------------------
+typedef CF_ENUM(SInt32, AXError){
+    kAXErrorSuccess = 0,
+    kAXErrorFailure = -25200,
+    kAXErrorIllegalArgument = -25201,
+    kAXErrorInvalidUIElement = -25202,
+    kAXErrorInvalidUIElementObserver = -25203,
+    kAXErrorCannotComplete = -25204,
+    kAXErrorAttributeUnsupported = -25205,
+    kAXErrorActionUnsupported = -25206,
+    kAXErrorNotificationUnsupported = -25207,
+    kAXErrorNotImplemented = -25208,
+    kAXErrorNotificationAlreadyRegistered = -25209,
+    kAXErrorNotificationNotRegistered = -25210,
+    kAXErrorAPIDisabled = -25211,
+    kAXErrorNoValue = -25212,
+    kAXErrorParameterizedAttributeUnsupported = -25213,
+    kAXErrorNotEnoughPrecision = -25214,
+};
+
+// --- HIServices: AXUIElement.h ---------------------------------------------------------
+extern Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);
+extern CFStringRef kAXTrustedCheckOptionPrompt;
+
+typedef const struct CF_BRIDGED_TYPE(id) __AXUIElement* AXUIElementRef;
+
+extern CFTypeID AXUIElementGetTypeID(void);
+extern AXError AXUIElementCopyAttributeNames(AXUIElementRef element,
+                                             CFArrayRef* CF_RETURNS_RETAINED names);
+extern AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                             CFTypeRef* CF_RETURNS_RETAINED value);
+extern AXError AXUIElementIsAttributeSettable(AXUIElementRef element, CFStringRef attribute,
+                                              Boolean* settable);
+extern AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                            CFTypeRef value);
+extern AXError AXUIElementCopyActionNames(AXUIElementRef element,
+                                          CFArrayRef* CF_RETURNS_RETAINED names);
+extern AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
+extern AXUIElementRef AXUIElementCreateApplication(pid_t pid);
+extern AXUIElementRef AXUIElementCreateSystemWide(void);
+
+// --- CoreGraphics: CGRemoteOperation.h ---------------------------------------------------
+typedef uint16_t CGKeyCode;
+
+// --- CoreGraphics: CGEventTypes.h ----------------------------------------------------------
+typedef struct CF_BRIDGED_TYPE(id) __CGEvent* CGEventRef;
+
+typedef CF_OPTIONS(uint64_t, CGEventFlags){
+    kCGEventFlagMaskAlphaShift = 0x00010000,
+    kCGEventFlagMaskShift = 0x00020000,
+    kCGEventFlagMaskControl = 0x00040000,
+    kCGEventFlagMaskAlternate = 0x00080000,
+    kCGEventFlagMaskCommand = 0x00100000,
+    kCGEventFlagMaskHelp = 0x00400000,
+    kCGEventFlagMaskSecondaryFn = 0x00800000,
+    kCGEventFlagMaskNumericPad = 0x00200000,
+    kCGEventFlagMaskNonCoalesced = 0x00000100,
+};
+
+// Only the fields the backend could name; the library writes field 127,
+// which has no constant, through a cast.
+typedef CF_ENUM(uint32_t, CGEventField){
+    kCGKeyboardEventAutorepeat = 8,
+    kCGKeyboardEventKeycode = 9,
+    kCGKeyboardEventKeyboardType = 10,
+    kCGEventSourceUserData = 42,
+};
+
+typedef CF_ENUM(uint32_t, CGEventTapLocation){
+    kCGHIDEventTap = 0,
+    kCGSessionEventTap,
+    kCGAnnotatedSessionEventTap,
+};
+
+typedef struct CF_BRIDGED_TYPE(id) __CGEventSource* CGEventSourceRef;
+
+typedef CF_ENUM(int32_t, CGEventSourceStateID){
+    kCGEventSourceStatePrivate = -1,
+    kCGEventSourceStateCombinedSessionState = 0,
+    kCGEventSourceStateHIDSystemState = 1,
+};
+
+// --- CoreGraphics: CGEventSource.h ----------------------------------------------------------
+CG_EXTERN CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID stateID)
+    CG_AVAILABLE_STARTING(10.4);
+
+// --- CoreGraphics: CGEvent.h ------------------------------------------------------------------
+CG_EXTERN CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef source, CGKeyCode virtualKey,
+                                                bool keyDown) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN void CGEventSetFlags(CGEventRef event, CGEventFlags flags) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, int64_t value)
+    CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN void CGEventPost(CGEventTapLocation tap, CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+
+CF_IMPLICIT_BRIDGING_DISABLED
+
+#ifdef __cplusplus
+}  // extern "C"
+#endif
