@@ -1,0 +1,43 @@
+// The errors of the keyboard area: `KeystrokeError`, whose cases carry no
+// texts of their own, and the keystroke failures, error objects of the domain
+// "Keystroke" whose description is their message.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "boundary/error.h"
+
+namespace zeblo {
+
+class KeystrokeError : public Error {
+public:
+    enum class Case { appNotFound = 0, noFrontmostApp = 1, invalidModifiers = 2 };
+
+    // The application name exactly as the caller gave it.
+    static KeystrokeError appNotFound(std::string name) { return KeystrokeError(Case::appNotFound, std::move(name)); }
+    static KeystrokeError noFrontmostApp() { return KeystrokeError(Case::noFrontmostApp); }
+    // Kept for completeness: unknown modifier bits are ignored, never refused.
+    static KeystrokeError invalidModifiers() { return KeystrokeError(Case::invalidModifiers); }
+
+    Case kind() const noexcept { return case_; }
+    const std::string& name() const noexcept { return name_; }  // appNotFound only
+
+    std::string description() const override;
+    std::string debugText() const override;
+
+private:
+    explicit KeystrokeError(Case c, std::string name = {}) : case_(c), name_(std::move(name)) {}
+    Case case_;
+    std::string name_;
+};
+
+// The error domain of keystroke failures.
+inline constexpr const char* kKeystrokeDomain = "Keystroke";
+
+// A keystroke failure with `message` as its description. Every failure uses
+// the code -1 except the focused-element one, which carries the accessibility
+// result code.
+MessageError keystrokeFailure(std::string message, std::int64_t code = -1);
+
+}  // namespace zeblo
