@@ -3,6 +3,7 @@
 #include "boundary/bodies.h"
 #include "boundary/json_writer.h"
 #include "boundary/marshal.h"
+#include "platform/platform.h"
 #include "zeblo/zeblo.h"
 
 namespace zeblo::boundary {
@@ -18,11 +19,36 @@ const char* getRunningApps() noexcept {
     return runJson("[]", true, [] { return json::stringArray(AppOps::getRunningApps()); });
 }
 
+bool focusApp(const char* appName, const char* windowName, bool shouldSwitch, bool shouldLaunch,
+              std::int32_t timeout) noexcept {
+    return runLogged("zeblo_focus_app", [&] {
+        AppOps::focusApp(decodeString(appName), decodeString(windowName), shouldSwitch, shouldLaunch, timeout);
+    });
+}
+
+// Only the launch request: no lookup, no activation, no waiting.
+bool launchApp(const char* appName) noexcept {
+    return runLogged("zeblo_launch_app", [&] {
+        if (!platform::current().launchApplication(decodeString(appName))) throw AppError::launchFailed();
+    });
+}
+
+bool isInTextField() noexcept {
+    return runQuiet([] { return AppOps::isInTextField(); });
+}
+
 }  // namespace zeblo::boundary
 
 extern "C" {
 
 const char* zeblo_get_frontmost_info(void) { return zeblo::boundary::getFrontmostInfo(); }
 const char* zeblo_get_running_apps(void) { return zeblo::boundary::getRunningApps(); }
+
+bool zeblo_focus_app(const char* appName, const char* windowName, bool shouldSwitch, bool shouldLaunch,
+                     int32_t timeout) {
+    return zeblo::boundary::focusApp(appName, windowName, shouldSwitch, shouldLaunch, timeout) & 1;
+}
+bool zeblo_launch_app(const char* appName) { return zeblo::boundary::launchApp(appName) & 1; }
+bool zeblo_is_in_text_field(void) { return zeblo::boundary::isInTextField() & 1; }
 
 }  // extern "C"

@@ -2,7 +2,7 @@
 // retrying poll on the calling thread with fixed sleeps, looking the
 // application and window up afresh on every poll.
 #include "apps/app_ops.h"
-#include "windows/deadline.h"
+#include "platform/deadline.h"
 #include "windows/window_ops.h"
 
 namespace zeblo {
@@ -63,7 +63,7 @@ bool WindowOps::windowInFront(const std::string& appName, const std::string& win
 bool WindowOps::waitForWindow(const std::string& appName, const std::string& windowName, std::int32_t condition,
                               std::int32_t timeout) {
     if (static_cast<std::uint32_t>(condition) >= 3) return false;
-    const windows::Deadline deadline(timeout);
+    const platform::Deadline deadline(timeout);
     if (deadline.passed()) return false;
 
     platform::Platform& p = platform::current();
@@ -100,7 +100,7 @@ void WindowOps::closeWindow(const std::string& appName, const std::string& windo
     }
 
     platform::Platform& p = platform::current();
-    const windows::Deadline deadline(*retryTimeout);
+    const platform::Deadline deadline(*retryTimeout);
     while (!deadline.passed()) {
         // The application going away takes the window with it: success.
         if (!lookupSucceeds(appName, windowName)) return;
