@@ -8,12 +8,18 @@ BUILD_DIR=build scripts/build.sh >/dev/null
 
 desktop=examples/desktop.json
 zeblo() { build/zeblo --simulate "$desktop" "$@"; }
+# Prints a command line the way a shell would read it back.
+echo_command() {
+  printf '\n$ zeblo'
+  printf ' %q' "$@"
+  printf '\n'
+}
 show() {
-  printf '\n$ zeblo %s\n' "$*"
+  echo_command "$@"
   zeblo "$@" || true
 }
 trace() {
-  printf '\n$ zeblo --trace - %s\n' "$*"
+  echo_command --trace - "$@"
   build/zeblo --simulate "$desktop" --trace - "$@" 2>&1 || true
 }
 

@@ -34,9 +34,16 @@ TEST(SharedLibrary, ExportsOnlyTheCFunctions) {
     for (const auto& s : symbols) {
         EXPECT_EQ(s.rfind("zeblo_", 0), 0u) << "unexpected export: " << s;
     }
-    for (const char* wanted : {"zeblo_get_frontmost_info", "zeblo_get_running_apps", "zeblo_free_string"}) {
-        EXPECT_EQ(symbols.count(wanted), 1u) << wanted;
-    }
+    const std::set<std::string> wanted = {
+        "zeblo_get_app_menus", "zeblo_menu_click", "zeblo_menu_item_exists", "zeblo_menu_item_enabled",
+        "zeblo_send_keystroke", "zeblo_send_global_keystroke", "zeblo_type_text", "zeblo_paste_text",
+        "zeblo_paste_into_focused_field", "zeblo_click_button", "zeblo_click_checkbox",
+        "zeblo_get_window_buttons", "zeblo_set_checkbox_value", "zeblo_get_popup_menu_items",
+        "zeblo_get_window_text", "zeblo_get_frontmost_info", "zeblo_get_running_apps", "zeblo_focus_app",
+        "zeblo_launch_app", "zeblo_is_in_text_field", "zeblo_window_exists", "zeblo_get_window_titles",
+        "zeblo_wait_for_window", "zeblo_close_window", "zeblo_free_string"};
+    EXPECT_EQ(wanted.size(), 25u);
+    EXPECT_EQ(symbols, wanted);
 }
 
 }  // namespace
