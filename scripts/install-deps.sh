@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ clang pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
   libicu-dev nlohmann-json3-dev
+  libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
 )
 extra=("$@")  # further packages a caller needs (e.g. the sanitizer runtime)
 

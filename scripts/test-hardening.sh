@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# The hardening stage of the test command, run after the normal suite:
+#   1. the whole suite built with AddressSanitizer, UndefinedBehaviorSanitizer
+#      and LeakSanitizer (build-asan), run with ctest;
+#   2. the concurrency test built with ThreadSanitizer (build-tsan);
+#   3. the libFuzzer target built with clang, ASan and UBSan (build-fuzz), run
+#      for FUZZ_SECONDS (default 60) from the checked-in seed corpus.
+# Any sanitizer report, fuzzer crash or failed check fails the stage.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+launcher=()
+command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache)
+configure() {  # DIR, then extra configure arguments
+  local dir="$1"; shift
+  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEBLO_BUILD_BENCH=OFF \
+    "${launcher[@]}" "$@" >/dev/null
+}
+jobs="$(nproc)"
+
+# Reports are fatal and fail the process that made them.
+export ASAN_OPTIONS="halt_on_error=1:detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1"
+export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
+export TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1"
+
+echo "== hardening: ASan + UBSan + LSan build of the whole suite (build-asan)"
+configure build-asan -DZEBLO_SANITIZE=address,undefined
+cmake --build build-asan -j "$jobs"
+ctest --test-dir build-asan --output-on-failure -j "$jobs"
+
+echo "== hardening: TSan build of the concurrency test (build-tsan)"
+configure build-tsan -DZEBLO_SANITIZE=thread
+cmake --build build-tsan --target test_concurrency -j "$jobs"
+build-tsan/tests/test_concurrency --gtest_brief=1
+
+echo "== hardening: libFuzzer target (build-fuzz), ${FUZZ_SECONDS:-60} s"
+CC=clang CXX=clang++ configure build-fuzz -DZEBLO_BUILD_TESTS=OFF -DZEBLO_BUILD_FUZZ=ON \
+  -DZEBLO_SANITIZE=address,undefined
+cmake --build build-fuzz --target zeblo_fuzz -j "$jobs"
+# New inputs go to a scratch corpus; the checked-in seeds (regression cases
+# included) are run first, read only. A crash leaves its input in
+# build-fuzz/artifacts/ to be added to tests/fuzz/corpus once fixed.
+rm -rf build-fuzz/corpus build-fuzz/artifacts
+mkdir -p build-fuzz/corpus build-fuzz/artifacts
+build-fuzz/tests/fuzz/zeblo_fuzz -max_total_time="${FUZZ_SECONDS:-60}" -timeout=25 -rss_limit_mb=2048 \
+  -print_final_stats=1 -artifact_prefix=build-fuzz/artifacts/ \
+  build-fuzz/corpus tests/fuzz/corpus 2>build-fuzz/fuzz.log || { tail -n 80 build-fuzz/fuzz.log; exit 1; }
+grep -E "^(Done|stat::number_of_executed_units|stat::peak_rss_mb)" build-fuzz/fuzz.log || true
+echo "== hardening: passed"
