@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Runs CMD... inside a headless desktop session: Xvfb, a small window manager
+# (matchbox) and a session bus, with their own HOME and XDG_RUNTIME_DIR, all
+# inside a new PID namespace so that nothing started in the session (services
+# the bus activates included) outlives it. The session ends with CMD and
+# exits with its status.
+#
+#   scripts/desktop-session.sh ./build/tests/test_linux_e2e
+set -euo pipefail
+[ $# -gt 0 ] || { echo "usage: $0 CMD [ARG...]" >&2; exit 2; }
+
+if [ "${ZEBLO_DESKTOP_SESSION:-}" != "ns" ]; then
+  exec env ZEBLO_DESKTOP_SESSION=ns unshare --pid --fork --kill-child --mount-proc bash "$0" "$@"
+fi
+
+tmp=$(mktemp -d /tmp/zeblo-session.XXXXXX)
+trap 'rm -rf "$tmp"' EXIT
+export HOME="$tmp/home" XDG_RUNTIME_DIR="$tmp/run"
+mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
+chmod 700 "$XDG_RUNTIME_DIR"
+unset DBUS_SESSION_BUS_ADDRESS NO_AT_BRIDGE GTK_MODULES
+
+# Xvfb picks a free display and writes its number to the given descriptor.
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$tmp/display" >"$tmp/xvfb.log" 2>&1 &
+for _ in $(seq 1 200); do
+  [ -s "$tmp/display" ] && break
+  sleep 0.05
+done
+[ -s "$tmp/display" ] || { echo "Xvfb did not start" >&2; cat "$tmp/xvfb.log" >&2; exit 1; }
+export DISPLAY=":$(head -n1 "$tmp/display")"
+
+matchbox-window-manager -use_titlebar no >"$tmp/wm.log" 2>&1 &
+
+# The session bus; at-spi-bus-launcher and registryd are activated on first use.
+dbus-run-session -- "$@"

@@ -1,0 +1,181 @@
+// Actions and settable values: "AXPress"/"AXPick" run the element's click,
+// press, activate or toggle action; "AXValue" is written through the
+// EditableText interface (text) or by toggling a check box until it shows the
+// wanted state.
+#include <X11/Xlib.h>
+
+#include "platform/linux/linux_platform.h"
+#include "platform/linux/x11_session.h"
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle"};
+
+bool isPressName(const std::string& name) {
+    for (const char* press : kPressActions) {
+        if (name == press) return true;
+    }
+    return false;
+}
+
+bool isTextRole(AtspiRole role) {
+    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_PASSWORD_TEXT ||
+           role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
+}
+
+bool isToggleRole(AtspiRole role) {
+    return role == ATSPI_ROLE_CHECK_BOX || role == ATSPI_ROLE_TOGGLE_BUTTON || role == ATSPI_ROLE_RADIO_BUTTON ||
+           role == ATSPI_ROLE_CHECK_MENU_ITEM || role == ATSPI_ROLE_RADIO_MENU_ITEM;
+}
+
+std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
+    std::vector<std::string> names;
+    AtspiAction* action = atspi_accessible_get_action_iface(object);
+    if (action == nullptr) {
+        code = kAXErrorSuccess;
+        return names;
+    }
+    GError* error = nullptr;
+    const int count = atspi_action_get_n_actions(action, &error);
+    code = error == nullptr ? kAXErrorSuccess : kAXErrorCannotComplete;
+    for (int i = 0; error == nullptr && i < count; ++i) {
+        names.push_back(takeText(atspi_action_get_action_name(action, i, &error)));
+    }
+    if (error != nullptr) {
+        g_error_free(error);
+        code = kAXErrorCannotComplete;
+    }
+    g_object_unref(action);
+    return names;
+}
+
+// Runs the element's press-like action. Insensitive elements, and elements
+// without such an action, fail: AT-SPI itself reports success for them.
+AXError press(AtspiAccessible* object) {
+    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorCannotComplete;
+    AXError code = kAXErrorSuccess;
+    const std::vector<std::string> names = actionNames(object, code);
+    if (code != kAXErrorSuccess) return code;
+    int index = -1;
+    for (const char* wanted : kPressActions) {
+        for (std::size_t i = 0; index < 0 && i < names.size(); ++i) {
+            if (names[i] == wanted) index = static_cast<int>(i);
+        }
+    }
+    if (index < 0) return kAXErrorActionUnsupported;
+    AtspiAction* action = atspi_accessible_get_action_iface(object);
+    if (action == nullptr) return kAXErrorActionUnsupported;
+    GError* error = nullptr;
+    const gboolean done = atspi_action_do_action(action, index, &error);
+    g_object_unref(action);
+    if (error != nullptr) {
+        g_error_free(error);
+        return kAXErrorCannotComplete;
+    }
+    return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+}
+
+// Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
+// window of the same process whose title is the frame's name, or the only one.
+AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
+    GError* error = nullptr;
+    const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, &error));
+    if (error != nullptr) {
+        g_error_free(error);
+        return kAXErrorCannotComplete;
+    }
+    const std::string title = takeText(atspi_accessible_get_name(window, &error));
+    if (error != nullptr) {
+        g_error_free(error);
+        return kAXErrorCannotComplete;
+    }
+    const std::vector<Window> windows = p.x11().windowsOf(pid);
+    for (Window w : windows) {
+        if (p.x11().titleOf(w) == title) return p.x11().requestClose(w) ? kAXErrorSuccess : kAXErrorCannotComplete;
+    }
+    if (windows.size() == 1) return p.x11().requestClose(windows.front()) ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return kAXErrorCannotComplete;
+}
+
+}  // namespace
+
+AXError LinuxPlatform::performAction(const Element& element, std::string_view action) {
+    Node* n = node(element);
+    if (n == nullptr) return kAXErrorIllegalArgument;
+    if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
+    try {
+        switch (n->kind) {
+            case Node::Kind::closeButton: return closeWindow(*this, n->object);
+            case Node::Kind::accessible: return press(n->object);
+            default: return kAXErrorActionUnsupported;
+        }
+    } catch (...) {
+        return kAXErrorFailure;
+    }
+}
+
+NamesRead LinuxPlatform::copyActionNames(const Element& element) {
+    Node* n = node(element);
+    if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
+    if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
+    if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
+    AXError code = kAXErrorSuccess;
+    std::vector<std::string> names = actionNames(n->object, code);
+    if (code != kAXErrorSuccess) return {code, std::nullopt};
+    // Press-like actions are listed under the name the library presses.
+    std::vector<std::string> out;
+    bool pressListed = false;
+    for (std::string& name : names) {
+        if (isPressName(name)) {
+            if (!pressListed) out.emplace_back("AXPress");
+            pressListed = true;
+        } else {
+            out.push_back(std::move(name));
+        }
+    }
+    return {kAXErrorSuccess, std::move(out)};
+}
+
+AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_view attribute, const SetValue& value) {
+    Node* n = node(element);
+    if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
+    if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
+    const AtspiRole role = roleOf(*n);
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
+        AtspiEditableText* editable = atspi_accessible_get_editable_text_iface(n->object);
+        if (editable == nullptr) return kAXErrorAttributeUnsupported;
+        GError* error = nullptr;
+        const gboolean done = atspi_editable_text_set_text_contents(editable, text->c_str(), &error);
+        g_object_unref(editable);
+        if (error != nullptr) {
+            g_error_free(error);
+            return kAXErrorCannotComplete;
+        }
+        return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+    }
+    const std::int64_t wanted = std::get<std::int64_t>(value);
+    if (!isToggleRole(role)) return kAXErrorAttributeUnsupported;
+    if (wanted != 0 && wanted != 1) return kAXErrorIllegalArgument;
+    const bool checked = hasState(n->object, ATSPI_STATE_CHECKED);
+    if (checked == (wanted == 1)) return kAXErrorSuccess;
+    return press(n->object);
+}
+
+SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
+    Node* n = node(element);
+    if (n == nullptr) return {kAXErrorIllegalArgument, false};
+    if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
+    const AtspiRole role = roleOf(*n);
+    if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
+    if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object, ATSPI_STATE_SENSITIVE)};
+    if (!isTextRole(role)) return {kAXErrorSuccess, false};
+    AtspiEditableText* editable = atspi_accessible_get_editable_text_iface(n->object);
+    if (editable == nullptr) return {kAXErrorSuccess, false};
+    g_object_unref(editable);
+    return {kAXErrorSuccess, hasState(n->object, ATSPI_STATE_EDITABLE)};
+}
+
+}  // namespace zeblo::platform::linux_desktop

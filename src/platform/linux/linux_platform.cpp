@@ -1,0 +1,332 @@
+// The backend's connection, handles, workspace, pasteboard, sleeping, clock
+// and log.
+#include "platform/linux/linux_platform.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+
+#include "platform/linux/x11_session.h"
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+bool sessionBusReachable() {
+    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (address != nullptr && *address != '\0') return true;
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime == nullptr) return false;
+    struct stat st{};
+    return stat((std::string(runtime) + "/bus").c_str(), &st) == 0;
+}
+
+// The applications registered on the accessibility bus, each with a reference.
+std::vector<AtspiAccessible*> applications() {
+    std::vector<AtspiAccessible*> apps;
+    AtspiAccessible* desktop = atspi_get_desktop(0);
+    if (desktop == nullptr) return apps;
+    apps = childrenOf(desktop);
+    g_object_unref(desktop);
+    for (AtspiAccessible* app : apps) {
+        // What libatspi remembers of earlier calls is dropped: every call
+        // starts from the application's current state.
+        if (app != nullptr) atspi_accessible_clear_cache(app);
+    }
+    return apps;
+}
+
+std::int32_t pidOf(AtspiAccessible* app) {
+    GError* error = nullptr;
+    const guint pid = atspi_accessible_get_process_id(app, &error);
+    if (error != nullptr) {
+        g_error_free(error);
+        return 0;
+    }
+    return static_cast<std::int32_t>(pid);
+}
+
+// The command of a desktop entry named `name` (its file name without
+// ".desktop"): the Exec line without field codes.
+std::vector<std::string> desktopEntryCommand(const std::string& name) {
+    for (const char* dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
+        std::ifstream file(std::string(dir) + name + ".desktop");
+        std::string line;
+        while (file && std::getline(file, line)) {
+            if (line.rfind("Exec=", 0) != 0) continue;
+            std::vector<std::string> words;
+            std::size_t at = 5;
+            while (at < line.size()) {
+                const std::size_t end = line.find(' ', at);
+                std::string word = line.substr(at, end == std::string::npos ? std::string::npos : end - at);
+                if (!word.empty() && word[0] != '%') words.push_back(word);
+                if (end == std::string::npos) break;
+                at = end + 1;
+            }
+            return words;
+        }
+    }
+    return {};
+}
+
+// Starts `argv` detached from this process (its own session, stdio on
+// /dev/null, adopted by init). True when the program could be executed.
+bool spawnDetached(const std::vector<std::string>& args) {
+    if (args.empty()) return false;
+    std::vector<char*> argv;
+    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0) return false;
+    const pid_t child = fork();
+    if (child < 0) {
+        close(report[0]);
+        close(report[1]);
+        return false;
+    }
+    if (child == 0) {
+        setsid();
+        if (fork() == 0) {
+            const int devNull = open("/dev/null", O_RDWR);
+            if (devNull >= 0) {
+                dup2(devNull, 0);
+                dup2(devNull, 1);
+                dup2(devNull, 2);
+            }
+            dup2(report[1], 3);
+            fcntl(3, F_SETFD, FD_CLOEXEC);
+            close_range(4, ~0U, 0);
+            execvp(argv[0], argv.data());
+            const int err = errno;
+            (void)!write(3, &err, sizeof err);
+            _exit(127);
+        }
+        _exit(0);
+    }
+    close(report[1]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    int err = 0;
+    const ssize_t got = read(report[0], &err, sizeof err);  // EOF: exec succeeded
+    close(report[0]);
+    return got == 0;
+}
+
+}  // namespace
+
+std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
+    const char* display = std::getenv("DISPLAY");
+    if (display == nullptr || *display == '\0' || !sessionBusReachable()) return nullptr;
+    std::unique_ptr<X11Session> x11 = X11Session::open();
+    if (!x11) return nullptr;
+    if (atspi_init() > 1) return nullptr;
+    AtspiAccessible* desktop = atspi_get_desktop(0);
+    if (desktop == nullptr) return nullptr;
+    GError* error = nullptr;
+    atspi_accessible_get_child_count(desktop, &error);
+    g_object_unref(desktop);
+    if (error != nullptr) {
+        g_error_free(error);
+        return nullptr;
+    }
+    std::shared_ptr<LinuxPlatform> platform(new LinuxPlatform());
+    platform->x11_ = std::move(x11);
+    return platform;
+}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+Element LinuxPlatform::wrap(AtspiAccessible* object, Node::Kind kind) {
+    if (object == nullptr) return Element();
+    auto* n = new Node();
+    n->kind = kind;
+    n->object = object;
+    return Element::adopt(this, n);
+}
+
+Node* LinuxPlatform::node(const Element& element) const noexcept {
+    if (!element || element.owner() != this) return nullptr;
+    return static_cast<Node*>(element.raw());
+}
+
+void LinuxPlatform::drainEvents() {
+    for (int i = 0; i < 10000 && g_main_context_iteration(nullptr, FALSE); ++i) {
+    }
+}
+
+AtspiAccessible* LinuxPlatform::findApplication(std::int32_t pid) {
+    drainEvents();
+    AtspiAccessible* found = nullptr;
+    for (AtspiAccessible* app : applications()) {
+        if (app == nullptr) continue;
+        if (found == nullptr && pidOf(app) == pid) {
+            found = app;
+        } else {
+            g_object_unref(app);
+        }
+    }
+    return found;
+}
+
+Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
+    AtspiAccessible* app = findApplication(pid);
+    auto* n = new Node();
+    n->kind = app != nullptr ? Node::Kind::accessible : Node::Kind::application;
+    n->object = app;
+    n->pid = pid;
+    return Element::adopt(this, n);
+}
+
+Element LinuxPlatform::createSystemWideElement() {
+    auto* n = new Node();
+    n->kind = Node::Kind::systemWide;
+    return Element::adopt(this, n);
+}
+
+bool LinuxPlatform::isProcessTrusted(bool /*prompt*/) {
+    // There is no permission to ask for: the bus either answers or not.
+    AtspiAccessible* desktop = atspi_get_desktop(0);
+    if (desktop == nullptr) return false;
+    GError* error = nullptr;
+    atspi_accessible_get_child_count(desktop, &error);
+    g_object_unref(desktop);
+    if (error == nullptr) return true;
+    g_error_free(error);
+    return false;
+}
+
+// --- Workspace ------------------------------------------------------------------
+
+std::vector<RunningApp> LinuxPlatform::runningApplications() {
+    drainEvents();
+    std::vector<RunningApp> out;
+    for (AtspiAccessible* app : applications()) {
+        if (app == nullptr) continue;
+        RunningApp r;
+        r.pid = pidOf(app);
+        GError* error = nullptr;
+        std::string name = takeText(atspi_accessible_get_name(app, &error));
+        const int windows = error == nullptr ? atspi_accessible_get_child_count(app, &error) : 0;
+        g_object_unref(app);
+        if (error != nullptr) {
+            g_error_free(error);
+            continue;  // gone meanwhile
+        }
+        if (r.pid == 0) continue;
+        if (!name.empty()) r.localizedName = std::move(name);
+        r.activationPolicy = windows > 0 ? 0 : 1;  // no window: a background helper
+        out.push_back(std::move(r));
+    }
+    return out;
+}
+
+std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
+    const std::optional<std::int32_t> pid = x11_->activeWindowPid();
+    if (!pid) return std::nullopt;
+    for (RunningApp& app : runningApplications()) {
+        if (app.pid == *pid) return std::move(app);
+    }
+    // A window of a process that does not take part in accessibility.
+    RunningApp app;
+    app.pid = *pid;
+    std::ifstream comm("/proc/" + std::to_string(*pid) + "/comm");
+    std::string name;
+    if (std::getline(comm, name) && !name.empty()) app.localizedName = name;
+    return app;
+}
+
+bool LinuxPlatform::launchApplication(std::string_view name) {
+    const std::string wanted(name);
+    if (wanted.empty()) return false;
+    for (const RunningApp& app : runningApplications()) {
+        if (app.localizedName == wanted) return activateApplication(app, kActivateIgnoringOtherApps);
+    }
+    std::vector<std::string> command = desktopEntryCommand(wanted);
+    if (!command.empty() && spawnDetached(command)) return true;
+    return spawnDetached({wanted});
+}
+
+bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
+    const std::vector<Window> windows = x11_->windowsOf(app.pid);
+    if (windows.empty()) return false;
+    return x11_->activate(windows.back());
+}
+
+// --- Pasteboard: the CLIPBOARD selection -------------------------------------------
+
+std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
+    std::vector<PasteboardItem> items;
+    std::optional<std::string> text = x11_->readText(1.0);
+    if (text) {
+        PasteboardItem item;
+        item.entries.emplace_back(std::string(kPasteboardTypeString), Bytes(text->begin(), text->end()));
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+void LinuxPlatform::clearPasteboard() { x11_->disown(); }
+
+bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view type) {
+    return x11_->own({{std::string(type), std::string(text)}});
+}
+
+bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {
+    std::vector<std::pair<std::string, std::string>> pairs;
+    for (const PasteboardItem& item : items) {
+        for (const auto& [type, data] : item.entries) {
+            if (data) pairs.emplace_back(type, std::string(data->begin(), data->end()));
+        }
+    }
+    if (pairs.empty()) return true;
+    return x11_->handToHolder(std::move(pairs));
+}
+
+// --- Sleeping, clock, log, handles --------------------------------------------------
+
+void LinuxPlatform::sleep(double seconds) {
+    if (!(seconds > 0) || seconds > 1e6) return;
+    x11_->serve(seconds);  // CLIPBOARD requests are answered while waiting
+}
+
+double LinuxPlatform::now() {
+    using Seconds = std::chrono::duration<double>;
+    return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void LinuxPlatform::log(std::string_view line) {
+    const std::string text(line);
+    syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
+    if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
+        fprintf(stderr, "%s\n", text.c_str());
+    }
+}
+
+void LinuxPlatform::retainHandle(HandleKind kind, void* raw) noexcept {
+    if (raw == nullptr) return;
+    if (kind == HandleKind::element) {
+        static_cast<Node*>(raw)->refs.fetch_add(1);
+    } else {
+        static_cast<KeyEvent*>(raw)->refs.fetch_add(1);
+    }
+}
+
+void LinuxPlatform::releaseHandle(HandleKind kind, void* raw) noexcept {
+    if (raw == nullptr) return;
+    if (kind == HandleKind::element) {
+        auto* n = static_cast<Node*>(raw);
+        if (n->refs.fetch_sub(1) == 1) delete n;
+    } else {
+        auto* e = static_cast<KeyEvent*>(raw);
+        if (e->refs.fetch_sub(1) == 1) delete e;
+    }
+}
+
+}  // namespace zeblo::platform::linux_desktop

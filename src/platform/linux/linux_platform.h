@@ -1,0 +1,133 @@
+// The real desktop on Linux: the platform interface implemented with libatspi
+// (accessibility elements, attributes, actions, focus), Xlib and XTest
+// (keyboard events, the active window, activation, closing windows, the
+// CLIPBOARD selection), process spawning and syslog. docs/linux-backend.md
+// describes how AT-SPI roles and states map to the attributes the library
+// reads.
+//
+// Element handles hold a `Node`: a small reference-counted record around one
+// AtspiAccessible (which it keeps one GObject reference to). A node remembers
+// the element's role while it lives; nothing else is kept, and a node dies
+// with the last handle that refers to it, so nothing read during an operation
+// outlives it.
+//
+// No operation throws across the platform interface: failures become the
+// operation's failure value.
+#pragma once
+
+#include <atspi/atspi.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace zeblo::platform::linux_desktop {
+
+class X11Session;
+
+// What one element handle refers to.
+struct Node {
+    enum class Kind : std::uint8_t {
+        accessible,   // an AT-SPI object (an application, a window, a control...)
+        application,  // an application that is not (or no longer) registered: every read fails
+        systemWide,   // the system-wide element
+        closeButton,  // a window's close button: pressing it asks the window to close
+    };
+
+    std::atomic<int> refs{1};
+    Kind kind = Kind::accessible;
+    AtspiAccessible* object = nullptr;  // one reference held; the window for a close button
+    std::int32_t pid = 0;
+    std::optional<AtspiRole> role;  // read once per node
+
+    ~Node();
+};
+
+// One synthesized key event, as built by createKeyboardEvent.
+struct KeyEvent {
+    std::atomic<int> refs{1};
+    std::uint16_t keyCode = 0;
+    bool down = true;
+    std::uint64_t flags = 0;
+};
+
+class LinuxPlatform final : public Platform {
+public:
+    // The backend when a display and the accessibility bus can be reached,
+    // otherwise null.
+    static std::shared_ptr<LinuxPlatform> connect();
+    ~LinuxPlatform() override;
+
+    Element createApplicationElement(std::int32_t pid) override;
+    Element createSystemWideElement() override;
+    AttributeRead copyAttributeValue(const Element& element, std::string_view attribute) override;
+    NamesRead copyAttributeNames(const Element& element) override;
+    AXError setAttributeValue(const Element& element, std::string_view attribute,
+                              const SetValue& value) override;
+    SettableRead isAttributeSettable(const Element& element, std::string_view attribute) override;
+
+    AXError performAction(const Element& element, std::string_view action) override;
+    NamesRead copyActionNames(const Element& element) override;
+    bool isProcessTrusted(bool prompt) override;
+
+    EventSource createEventSource(std::int32_t stateId) override;
+    Event createKeyboardEvent(const EventSource* source, std::uint16_t keyCode, bool keyDown) override;
+    void setEventFlags(const Event& event, std::uint64_t flags) override;
+    void setEventIntegerField(const Event& event, std::uint32_t field, std::int64_t value) override;
+    void postEvent(std::uint32_t tap, const Event& event) override;
+
+    std::optional<RunningApp> frontmostApplication() override;
+    std::vector<RunningApp> runningApplications() override;
+    bool launchApplication(std::string_view name) override;
+    bool activateApplication(const RunningApp& app, std::uint64_t options) override;
+
+    std::optional<std::vector<PasteboardItem>> pasteboardItems() override;
+    void clearPasteboard() override;
+    bool setPasteboardString(std::string_view text, std::string_view type) override;
+    bool writePasteboardItems(const std::vector<PasteboardItem>& items) override;
+
+    void sleep(double seconds) override;
+    double now() override;
+    void log(std::string_view line) override;
+
+    void retainHandle(HandleKind kind, void* raw) noexcept override;
+    void releaseHandle(HandleKind kind, void* raw) noexcept override;
+
+    // Used by the element code (linux_attributes.cpp).
+    Element wrap(AtspiAccessible* object, Node::Kind kind = Node::Kind::accessible);  // adopts `object`
+    Node* node(const Element& element) const noexcept;
+    X11Session& x11() { return *x11_; }
+    // The registered application with process id `pid`, with a reference, or null.
+    AtspiAccessible* findApplication(std::int32_t pid);
+    // Handles the accessibility bus's queued signals without waiting.
+    void drainEvents();
+
+private:
+    LinuxPlatform() = default;
+    AttributeRead readAttribute(Node& node, std::string_view attribute);
+
+    std::unique_ptr<X11Session> x11_;
+    std::uint16_t heldModifiers_ = 0;  // modifier bits pressed by postEvent
+};
+
+// ---------------------------------------------------------------------------
+// Helpers shared by the backend's files.
+
+// The AT-SPI role of `node`, read once.
+AtspiRole roleOf(Node& node);
+// The role name the library sees for `node` ("AXButton", "AXWindow"...).
+std::string axRole(Node& node);
+bool hasState(AtspiAccessible* object, AtspiStateType state);
+bool isWindowRole(AtspiRole role);
+// Text from libatspi (may be null; freed here), as valid UTF-8.
+std::string takeText(char* text);
+// The children of `object`, each with its own reference; null entries kept.
+std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object);
+
+}  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,149 @@
+// Windows, activation, closing and XTest key events (Xlib, XTest).
+#include "platform/linux/x11_session.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+
+#include <cstring>
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+// One property of `window` as a list of 32-bit items (windows, atoms, numbers).
+std::vector<unsigned long> longProperty(Display* display, Window window, Atom property, Atom type) {
+    std::vector<unsigned long> out;
+    Atom actualType = None;
+    int actualFormat = 0;
+    unsigned long count = 0;
+    unsigned long after = 0;
+    unsigned char* data = nullptr;
+    if (XGetWindowProperty(display, window, property, 0, 1 << 16, False, type, &actualType, &actualFormat,
+                           &count, &after, &data) == Success &&
+        data != nullptr) {
+        if (actualFormat == 32) {
+            const auto* items = reinterpret_cast<const unsigned long*>(data);  // longs, as Xlib hands them
+            out.assign(items, items + count);
+        }
+        XFree(data);
+    }
+    return out;
+}
+
+int ignoreErrors(Display*, XErrorEvent*) { return 0; }
+
+}  // namespace
+
+std::unique_ptr<X11Session> X11Session::open() {
+    Display* display = XOpenDisplay(nullptr);
+    if (display == nullptr) return nullptr;
+    int eventBase = 0, errorBase = 0, major = 0, minor = 0;
+    if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) {
+        XCloseDisplay(display);
+        return nullptr;
+    }
+    // A window that has gone away between two calls is not an error worth
+    // ending the host process for.
+    XSetErrorHandler(ignoreErrors);
+    std::unique_ptr<X11Session> session(new X11Session());
+    session->display_ = display;
+    session->window_ = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
+    XSelectInput(display, session->window_, PropertyChangeMask);
+    return session;
+}
+
+X11Session::~X11Session() {
+    if (display_ != nullptr) {
+        if (owner_) serve(0);  // answer what is already queued
+        XDestroyWindow(display_, window_);
+        XCloseDisplay(display_);
+    }
+}
+
+Atom X11Session::atom(const char* name) { return XInternAtom(display_, name, False); }
+
+std::optional<std::int32_t> X11Session::activeWindowPid() {
+    const Window root = DefaultRootWindow(display_);
+    const auto active = longProperty(display_, root, atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
+    if (active.empty() || active[0] == 0) return std::nullopt;
+    const auto pid = longProperty(display_, static_cast<Window>(active[0]), atom("_NET_WM_PID"), XA_CARDINAL);
+    if (pid.empty()) return std::nullopt;
+    return static_cast<std::int32_t>(pid[0]);
+}
+
+std::string X11Session::titleOf(Window window) {
+    Atom actualType = None;
+    int actualFormat = 0;
+    unsigned long count = 0, after = 0;
+    unsigned char* data = nullptr;
+    std::string title;
+    if (XGetWindowProperty(display_, window, atom("_NET_WM_NAME"), 0, 1 << 16, False, atom("UTF8_STRING"),
+                           &actualType, &actualFormat, &count, &after, &data) == Success &&
+        data != nullptr) {
+        if (actualFormat == 8) title.assign(reinterpret_cast<const char*>(data), count);
+        XFree(data);
+    }
+    return title;
+}
+
+std::string X11Session::activeWindowTitle() {
+    const auto active = longProperty(display_, DefaultRootWindow(display_), atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
+    if (active.empty() || active[0] == 0) return {};
+    return titleOf(static_cast<Window>(active[0]));
+}
+
+std::vector<Window> X11Session::windowsOf(std::int32_t pid) {
+    std::vector<Window> out;
+    const auto clients = longProperty(display_, DefaultRootWindow(display_), atom("_NET_CLIENT_LIST"), XA_WINDOW);
+    const Atom pidAtom = atom("_NET_WM_PID");
+    for (unsigned long client : clients) {
+        const auto owner = longProperty(display_, static_cast<Window>(client), pidAtom, XA_CARDINAL);
+        if (!owner.empty() && static_cast<std::int32_t>(owner[0]) == pid) out.push_back(static_cast<Window>(client));
+    }
+    return out;
+}
+
+bool X11Session::activate(Window window) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = atom("_NET_ACTIVE_WINDOW");
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = 2;  // the request comes from a pager-like tool
+    event.xclient.data.l[1] = CurrentTime;
+    const Status sent = XSendEvent(display_, DefaultRootWindow(display_), False,
+                                   SubstructureRedirectMask | SubstructureNotifyMask, &event);
+    XRaiseWindow(display_, window);
+    // Window managers may leave the keyboard focus where it was when the
+    // window already counts as active: give it the focus as well.
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.map_state == IsViewable) {
+        XSetInputFocus(display_, window, RevertToParent, CurrentTime);
+    }
+    XSync(display_, False);
+    return sent != 0;
+}
+
+bool X11Session::requestClose(Window window) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = atom("WM_PROTOCOLS");
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(atom("WM_DELETE_WINDOW"));
+    event.xclient.data.l[1] = CurrentTime;
+    const Status sent = XSendEvent(display_, window, False, NoEventMask, &event);
+    XSync(display_, False);
+    return sent != 0;
+}
+
+bool X11Session::fakeKey(unsigned long keysym, bool down) {
+    const KeyCode code = XKeysymToKeycode(display_, static_cast<KeySym>(keysym));
+    if (code == 0) return false;
+    XTestFakeKeyEvent(display_, code, down ? True : False, CurrentTime);
+    XSync(display_, False);
+    return true;
+}
+
+}  // namespace zeblo::platform::linux_desktop

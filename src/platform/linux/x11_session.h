@@ -1,0 +1,72 @@
+// The X11 side of the Linux backend: one display connection for the process,
+// used for the active window (_NET_ACTIVE_WINDOW, _NET_WM_PID), activation
+// and closing of windows, synthesized key events (XTest) and the CLIPBOARD
+// selection.
+//
+// X11 keeps no clipboard of its own: the owner of CLIPBOARD answers every
+// request for it. While this process owns it (after setPasteboardString),
+// `serve` answers requests; restoring saved contents hands them to a detached
+// holder process that serves them until another client takes the selection.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zeblo::platform::linux_desktop {
+
+class X11Session {
+public:
+    // Null when the display cannot be opened or has no XTest extension.
+    static std::unique_ptr<X11Session> open();
+    ~X11Session();
+    X11Session(const X11Session&) = delete;
+    X11Session& operator=(const X11Session&) = delete;
+
+    // Windows and processes.
+    std::optional<std::int32_t> activeWindowPid();
+    std::string activeWindowTitle();
+    // Managed top-level windows of process `pid`, in the window manager's order.
+    std::vector<Window> windowsOf(std::int32_t pid);
+    std::string titleOf(Window window);
+    bool activate(Window window);
+    // Asks the window (WM_DELETE_WINDOW) to close.
+    bool requestClose(Window window);
+
+    // Keyboard: presses or releases the key that produces `keysym`.
+    bool fakeKey(unsigned long keysym, bool down);
+
+    // CLIPBOARD. `pairs` are (type, data) in preference order.
+    bool own(std::vector<std::pair<std::string, std::string>> pairs);
+    void disown();
+    // The text currently on CLIPBOARD: nothing when no client owns it or the
+    // owner gives no text.
+    std::optional<std::string> readText(double timeoutSeconds);
+    // Hands `pairs` to a detached holder process; true once it owns CLIPBOARD.
+    bool handToHolder(std::vector<std::pair<std::string, std::string>> pairs);
+    bool ownsClipboard();
+    // Waits up to `seconds`, answering CLIPBOARD requests meanwhile.
+    void serve(double seconds);
+
+private:
+    X11Session() = default;
+    Atom atom(const char* name);
+    void handle(XEvent& event);
+    void answer(const XSelectionRequestEvent& request);
+
+    Display* display_ = nullptr;
+    Window window_ = 0;  // an unmapped window owning CLIPBOARD for us
+    bool owner_ = false;
+    std::vector<std::pair<std::string, std::string>> data_;
+};
+
+// Serves `pairs` on CLIPBOARD from a new connection until the selection is
+// taken by someone else; used in the holder process.
+[[noreturn]] void runClipboardHolder(std::vector<std::pair<std::string, std::string>> pairs, int readyFd);
+
+}  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,78 @@
+// Helpers for the end-to-end tests against real GTK applications on a real
+// (headless) X11 desktop. Every test drives the library through its C
+// exports only, as a host would, and waits for the applications by polling
+// with a deadline, never for a fixed time.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <nlohmann/json.hpp>
+
+#include <zeblo/zeblo.h>
+
+namespace e2e {
+
+using nlohmann::json;
+
+// A returned string, freed at once.
+inline std::string take(const char* text) {
+    std::string out = text != nullptr ? text : "";
+    zeblo_free_string(text);
+    return out;
+}
+
+inline json takeJson(const char* text) { return json::parse(take(text), nullptr, false); }
+
+// Polls `condition` until it holds or `seconds` pass.
+template <class Condition>
+bool eventually(Condition condition, double seconds = 10.0) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (true) {
+        if (condition()) return true;
+        if (std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+// The window's text lines joined by new lines ("" when it cannot be read).
+inline std::string windowText(const char* app, const char* window) {
+    const json lines = takeJson(zeblo_get_window_text(app, window));
+    std::string out;
+    if (!lines.is_array()) return out;
+    for (const json& line : lines) {
+        if (line.is_string()) out += line.get<std::string>() + "\n";
+    }
+    return out;
+}
+
+inline bool windowTextHas(const char* app, const char* window, std::string_view needle) {
+    return windowText(app, window).find(needle) != std::string::npos;
+}
+
+inline bool isRunning(std::string_view app) {
+    const json apps = takeJson(zeblo_get_running_apps());
+    if (!apps.is_array()) return false;
+    for (const json& name : apps) {
+        if (name.is_string() && name.get<std::string>() == app) return true;
+    }
+    return false;
+}
+
+// Whether the tests can reach a desktop at all.
+inline bool desktopAvailable() {
+    const char* display = std::getenv("DISPLAY");
+    return display != nullptr && *display != '\0';
+}
+
+// Whether `app` (and its window) is in front.
+inline bool inFront(const char* app, const char* window) {
+    return zeblo_wait_for_window(app, window, 2, 1);
+}
+
+}  // namespace e2e

@@ -1,0 +1,113 @@
+// End-to-end tests against applications we did not write: l3afpad (menus,
+// typing, pasting with the clipboard restored) and gtk3-widget-factory
+// (buttons, checkboxes, window text, closing).
+#include "e2e_support.h"
+
+namespace {
+
+using namespace e2e;
+
+constexpr uint32_t kShift = 1, kCommand = 1 << 3;
+
+class L3afpad : public ::testing::Test {
+protected:
+    static constexpr const char* kApp = "l3afpad";
+
+    static void SetUpTestSuite() {
+        if (!desktopAvailable()) return;
+        // Not running yet: focusing it launches it.
+        ASSERT_TRUE(zeblo_focus_app(kApp, nullptr, true, true, 0));
+        ASSERT_TRUE(zeblo_wait_for_window(kApp, nullptr, 0, 20000));
+    }
+
+    void SetUp() override {
+        if (!desktopAvailable()) GTEST_SKIP() << "no display";
+        ASSERT_TRUE(zeblo_focus_app(kApp, nullptr, true, false, 0));
+        ASSERT_TRUE(eventually([] { return inFront(kApp, nullptr); }));
+    }
+
+    static std::string text() { return windowText(kApp, nullptr); }
+};
+
+TEST_F(L3afpad, MenusAreReadAndChosen) {
+    const json snapshot = takeJson(zeblo_get_app_menus(kApp));
+    ASSERT_TRUE(snapshot.is_object());
+    ASSERT_GE(snapshot["menus"].size(), 4u);
+    EXPECT_EQ(snapshot["menus"][0]["title"], "File");
+    const char* selectAll[] = {"Edit", "Select All"};
+    EXPECT_TRUE(zeblo_menu_item_exists(kApp, selectAll, 2));
+    EXPECT_TRUE(zeblo_menu_item_enabled(kApp, selectAll, 2));
+    const char* missing[] = {"Edit", "Frobnicate"};
+    EXPECT_FALSE(zeblo_menu_item_exists(kApp, missing, 2));
+}
+
+TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
+    ASSERT_TRUE(zeblo_is_in_text_field());
+    ASSERT_TRUE(zeblo_type_text("Hello from the keyboard", false));
+    ASSERT_TRUE(eventually([] { return text().find("[AXTextArea] Hello from the keyboard") != std::string::npos; }))
+        << text();
+
+    // Put the typed text on the clipboard the editor's own way. Key events
+    // reach the editor in order: once the "!" typed after them shows, the
+    // copy has happened.
+    ASSERT_TRUE(zeblo_send_keystroke(kApp, "a", kCommand));
+    ASSERT_TRUE(zeblo_send_keystroke(kApp, "c", kCommand));
+    const uint16_t down = 125;  // Command-Down: to the end, deselecting
+    ASSERT_TRUE(zeblo_send_global_keystroke(&down, 1, 0x100000));
+    ASSERT_TRUE(zeblo_type_text("!", false));
+    ASSERT_TRUE(eventually([] { return text().find("keyboard!") != std::string::npos; })) << text();
+
+    // Pasting text that cannot be typed, then the saved clipboard again.
+    ASSERT_TRUE(zeblo_paste_text(" | pasted \xC3\xBC\xE2\x86\x92 | "));
+    ASSERT_TRUE(eventually([] { return text().find("! | pasted \xC3\xBC\xE2\x86\x92 | ") != std::string::npos; }))
+        << text();
+    ASSERT_TRUE(zeblo_send_keystroke(kApp, "v", kCommand));
+    EXPECT_TRUE(eventually([] { return text().find("| Hello from the keyboard") != std::string::npos; })) << text();
+
+    // The editor's undo goes through its own binding.
+    EXPECT_TRUE(zeblo_send_keystroke(kApp, "z", kCommand));
+    EXPECT_FALSE(zeblo_send_keystroke(kApp, "notakey", kShift));
+}
+
+class WidgetFactory : public ::testing::Test {
+protected:
+    static constexpr const char* kApp = "gtk3-widget-factory";
+
+    static void SetUpTestSuite() {
+        if (!desktopAvailable()) return;
+        ASSERT_TRUE(zeblo_launch_app(kApp));
+        ASSERT_TRUE(zeblo_wait_for_window(kApp, nullptr, 0, 20000));
+    }
+
+    void SetUp() override {
+        if (!desktopAvailable()) GTEST_SKIP() << "no display";
+    }
+};
+
+TEST_F(WidgetFactory, ButtonsCheckboxesAndWindowText) {
+    const json buttons = takeJson(zeblo_get_window_buttons(kApp, nullptr));
+    ASSERT_TRUE(buttons.is_array()) << buttons.dump();
+    EXPECT_NE(std::find(buttons.begin(), buttons.end(), "link button"), buttons.end()) << buttons.dump();
+
+    ASSERT_TRUE(eventually([] { return windowTextHas(kApp, nullptr, "[AXCheckBox Title] checkbutton"); }));
+    const std::string text = windowText(kApp, nullptr);
+    EXPECT_NE(text.find("[AXTextArea] Lorem ipsum"), std::string::npos) << text;
+    EXPECT_NE(text.find("[AXStaticText] label"), std::string::npos) << text;
+
+    // The first "checkbutton" of the page is insensitive: pressing it fails.
+    EXPECT_FALSE(zeblo_click_checkbox(kApp, nullptr, "checkbutton"));
+    EXPECT_TRUE(zeblo_click_checkbox(kApp, nullptr, "togglebutton"));
+    EXPECT_TRUE(zeblo_set_checkbox_value(kApp, nullptr, "togglebutton", 1));
+    EXPECT_TRUE(zeblo_set_checkbox_value(kApp, nullptr, "togglebutton", 0));
+    EXPECT_FALSE(zeblo_click_checkbox(kApp, nullptr, "no such checkbox"));
+    EXPECT_TRUE(zeblo_click_button(kApp, nullptr, "Get Busy"));
+}
+
+TEST_F(WidgetFactory, ClosingTheWindowEndsIt) {
+    ASSERT_TRUE(zeblo_window_exists(kApp, nullptr));
+    ASSERT_TRUE(zeblo_close_window(kApp, nullptr, 10000));
+    EXPECT_TRUE(zeblo_wait_for_window(kApp, nullptr, 1, 10000));
+    EXPECT_TRUE(eventually([] { return !isRunning(kApp); }));
+}
+
+}  // namespace

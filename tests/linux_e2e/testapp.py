@@ -1,0 +1,154 @@
+#!/usr/bin/python3
+# A GTK 3 window the end-to-end tests drive: a classic menu bar (with a
+# submenu, checked items, key bindings and a disabled item), buttons,
+# checkboxes, a combo box, text fields, a password field and a dialog that
+# opens and closes. A status label shows the last action, so that tests can
+# read what happened through the window's text.
+import gi
+
+gi.require_version("Gtk", "3.0")
+from gi.repository import GLib, Gtk  # noqa: E402
+
+GLib.set_prgname("zeblo-testapp")
+GLib.set_application_name("ZebloTestApp")
+
+window = Gtk.Window(title="Zeblo Test")
+window.set_default_size(600, 500)
+window.connect("destroy", Gtk.main_quit)
+accel = Gtk.AccelGroup()
+window.add_accel_group(accel)
+status = Gtk.Label(label="Last: none")
+
+
+def report(text):
+    status.set_text("Last: " + text)
+
+
+def item(menu, title, key=None, mods=Gtk.accelerator_parse("<Primary>a")[1], sensitive=True, kind=None,
+         active=False):
+    if kind == "check":
+        widget = Gtk.CheckMenuItem(label=title)
+        widget.set_active(active)
+    else:
+        widget = Gtk.MenuItem(label=title)
+    widget.set_sensitive(sensitive)
+    if key is not None:
+        keyval, keymods = Gtk.accelerator_parse(key)
+        widget.add_accelerator("activate", accel, keyval, keymods, Gtk.AccelFlags.VISIBLE)
+    widget.connect("activate", lambda w: report(title))
+    menu.append(widget)
+    return widget
+
+
+def submenu(shell, title):
+    top = Gtk.MenuItem(label=title)
+    menu = Gtk.Menu()
+    menu.set_accel_group(accel)
+    top.set_submenu(menu)
+    shell.append(top)
+    return menu
+
+
+dialog = None
+
+
+def open_dialog(*_):
+    global dialog
+    if dialog is not None:
+        return
+    dialog = Gtk.Dialog(title="Test Dialog", transient_for=window, modal=False)
+    dialog.get_content_area().add(Gtk.Label(label="This is the test dialog"))
+    button = Gtk.Button(label="Dismiss")
+    button.connect("clicked", lambda b: close_dialog())
+    dialog.get_content_area().add(button)
+    dialog.connect("delete-event", lambda *a: close_dialog() or True)
+    dialog.show_all()
+    report("dialog opened")
+
+
+def close_dialog():
+    global dialog
+    if dialog is not None:
+        dialog.destroy()
+        dialog = None
+        report("dialog closed")
+
+
+bar = Gtk.MenuBar()
+file_menu = submenu(bar, "File")
+item(file_menu, "New", "<Primary>n")
+open_item = item(file_menu, "Open Dialog", "<Primary>o")
+open_item.connect("activate", open_dialog)
+file_menu.append(Gtk.SeparatorMenuItem())
+item(file_menu, "Quit", "<Primary>q").connect("activate", lambda w: Gtk.main_quit())
+edit_menu = submenu(bar, "Edit")
+item(edit_menu, "Undo", "<Primary>z")
+item(edit_menu, "Disabled Item", sensitive=False)
+view_menu = submenu(bar, "View")
+item(view_menu, "Show Toolbar", kind="check", active=True)
+item(view_menu, "Word Wrap", "<Primary><Shift>w", kind="check")
+zoom = submenu(view_menu, "Zoom")
+item(zoom, "Zoom In", "<Primary>plus")
+item(zoom, "Zoom Out", "<Primary>minus")
+
+box = Gtk.Box(orientation=Gtk.Orientation.VERTICAL, spacing=4)
+box.pack_start(bar, False, False, 0)
+
+buttons = Gtk.Box(spacing=4)
+press_count = [0]
+
+
+def pressed(_):
+    press_count[0] += 1
+    report("pressed %d" % press_count[0])
+
+
+press = Gtk.Button(label="Press Me")
+press.connect("clicked", pressed)
+buttons.add(press)
+disabled = Gtk.Button(label="Disabled Button")
+disabled.set_sensitive(False)
+buttons.add(disabled)
+opener = Gtk.Button(label="Open Dialog")
+opener.connect("clicked", open_dialog)
+buttons.add(opener)
+box.pack_start(buttons, False, False, 0)
+
+feature = Gtk.CheckButton(label="Enable Feature")
+feature.connect("toggled", lambda w: report("feature %d" % int(w.get_active())))
+box.pack_start(feature, False, False, 0)
+remember = Gtk.CheckButton(label="Remember Me")
+remember.set_active(True)
+box.pack_start(remember, False, False, 0)
+
+combo = Gtk.ComboBoxText()
+for colour in ("Red", "Green", "Blue"):
+    combo.append_text(colour)
+combo.set_active(0)
+
+
+def popup_shown(widget, _param):
+    # Back to the name field once the list closes, so that later typing
+    # lands there.
+    if not widget.get_property("popup-shown"):
+        GLib.idle_add(name.grab_focus)
+
+
+combo.connect("notify::popup-shown", popup_shown)
+box.pack_start(combo, False, False, 0)
+
+name = Gtk.Entry()
+name.set_placeholder_text("Name")
+box.pack_start(name, False, False, 0)
+password = Gtk.Entry()
+password.set_visibility(False)
+box.pack_start(password, False, False, 0)
+notes = Gtk.TextView()
+notes.set_size_request(-1, 120)
+box.pack_start(notes, True, True, 0)
+box.pack_start(status, False, False, 0)
+
+window.add(box)
+window.show_all()
+name.grab_focus()
+Gtk.main()

@@ -1,0 +1,186 @@
+// End-to-end tests against our own GTK test application (testapp.py): menus,
+// buttons, checkboxes, the combo box, text fields and a dialog.
+#include <vector>
+
+#include "e2e_support.h"
+
+namespace {
+
+using namespace e2e;
+
+constexpr const char* kApp = "zeblo-testapp";
+constexpr const char* kWindow = "Zeblo Test";
+
+class TestApp : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        if (!desktopAvailable()) return;
+        if (!isRunning(kApp)) {
+            ASSERT_TRUE(zeblo_launch_app(ZEBLO_TESTAPP_PATH));
+        }
+        ASSERT_TRUE(zeblo_wait_for_window(kApp, kWindow, 0, 20000)) << "the test application did not start";
+    }
+
+    void SetUp() override {
+        if (!desktopAvailable()) GTEST_SKIP() << "no display";
+        ASSERT_TRUE(zeblo_focus_app(kApp, kWindow, true, false, 5000));
+        ASSERT_TRUE(eventually([] { return inFront(kApp, kWindow); }));
+    }
+
+    static bool click(std::vector<const char*> path) {
+        return zeblo_menu_click(kApp, path.data(), static_cast<int32_t>(path.size()));
+    }
+    static bool exists(std::vector<const char*> path) {
+        return zeblo_menu_item_exists(kApp, path.data(), static_cast<int32_t>(path.size()));
+    }
+    static bool enabled(std::vector<const char*> path) {
+        return zeblo_menu_item_enabled(kApp, path.data(), static_cast<int32_t>(path.size()));
+    }
+    static bool status(std::string_view text) {
+        return eventually([&] { return windowTextHas(kApp, kWindow, "Last: " + std::string(text)); });
+    }
+};
+
+// Finds the record titled `title` among `items`.
+const json* findItem(const json& items, std::string_view title) {
+    for (const json& item : items) {
+        if (item.value("title", "") == title) return &item;
+    }
+    return nullptr;
+}
+
+TEST_F(TestApp, MenuSnapshotMapsTitlesStatesAndKeyBindings) {
+    const json snapshot = takeJson(zeblo_get_app_menus(kApp));
+    ASSERT_TRUE(snapshot.is_object()) << snapshot.dump();
+    EXPECT_EQ(snapshot.value("app", ""), kApp);
+    const json& menus = snapshot["menus"];
+    ASSERT_EQ(menus.size(), 3u);
+    EXPECT_EQ(menus[0]["title"], "File");
+    EXPECT_EQ(menus[2]["title"], "View");
+
+    const json* newItem = findItem(menus[0]["children"], "New");
+    ASSERT_NE(newItem, nullptr);
+    EXPECT_EQ((*newItem)["cmdChar"], "N");
+    EXPECT_EQ((*newItem)["cmdModifiers"], 0);  // Control alone: the command key
+
+    const json* disabled = findItem(menus[1]["children"], "Disabled Item");
+    ASSERT_NE(disabled, nullptr);
+    EXPECT_FALSE((*disabled)["enabled"].get<bool>());
+
+    const json& view = menus[2]["children"];
+    EXPECT_TRUE((*findItem(view, "Show Toolbar"))["checked"].get<bool>());
+    const json* wrap = findItem(view, "Word Wrap");
+    EXPECT_FALSE((*wrap)["checked"].get<bool>());
+    EXPECT_EQ((*wrap)["cmdModifiers"], 1);  // with Shift
+    const json* zoom = findItem(view, "Zoom");
+    ASSERT_NE(zoom, nullptr);
+    ASSERT_TRUE(zoom->contains("children"));
+    EXPECT_NE(findItem((*zoom)["children"], "Zoom Out"), nullptr);
+    EXPECT_EQ((*findItem((*zoom)["children"], "Zoom Out"))["path"], json({"View", "Zoom"}));
+}
+
+TEST_F(TestApp, MenuPathsExistAreEnabledAndClick) {
+    EXPECT_TRUE(exists({"View", "Zoom", "Zoom In"}));
+    EXPECT_FALSE(exists({"View", "Zoom", "Zoom Sideways"}));
+    EXPECT_TRUE(enabled({"File", "New"}));
+    EXPECT_FALSE(enabled({"Edit", "Disabled Item"}));
+
+    ASSERT_TRUE(click({"View", "Zoom", "Zoom In"}));
+    EXPECT_TRUE(status("Zoom In"));
+    ASSERT_TRUE(click({"File", "New"}));
+    EXPECT_TRUE(status("New"));
+    // An insensitive item exposes no action: the click fails.
+    EXPECT_FALSE(click({"Edit", "Disabled Item"}));
+}
+
+TEST_F(TestApp, CheckedMenuItemTogglesThroughAClick) {
+    ASSERT_TRUE(click({"View", "Word Wrap"}));
+    EXPECT_TRUE(eventually([] {
+        const json snapshot = takeJson(zeblo_get_app_menus(kApp));
+        const json* wrap = snapshot.is_object() ? findItem(snapshot["menus"][2]["children"], "Word Wrap") : nullptr;
+        return wrap != nullptr && (*wrap)["checked"].get<bool>();
+    }));
+    ASSERT_TRUE(click({"View", "Word Wrap"}));  // back as it was
+}
+
+TEST_F(TestApp, KeystrokeReachesTheMenuAccelerator) {
+    ASSERT_TRUE(click({"File", "New"}));
+    ASSERT_TRUE(status("New"));
+    ASSERT_TRUE(zeblo_send_keystroke(kApp, "z", 1 << 3));  // Command-Z: Control-Z, the Undo item
+    EXPECT_TRUE(status("Undo"));
+}
+
+TEST_F(TestApp, ButtonsAreListedAndPressed) {
+    const json buttons = takeJson(zeblo_get_window_buttons(kApp, kWindow));
+    ASSERT_TRUE(buttons.is_array()) << buttons.dump();
+    EXPECT_NE(std::find(buttons.begin(), buttons.end(), "Press Me"), buttons.end());
+    EXPECT_NE(std::find(buttons.begin(), buttons.end(), "Disabled Button"), buttons.end());
+
+    ASSERT_TRUE(zeblo_click_button(kApp, kWindow, "Press Me"));
+    EXPECT_TRUE(status("pressed"));
+    EXPECT_FALSE(zeblo_click_button(kApp, kWindow, "Disabled Button"));
+    EXPECT_FALSE(zeblo_click_button(kApp, kWindow, "No Such Button"));
+}
+
+TEST_F(TestApp, CheckboxesToggleAndTakeAValue) {
+    ASSERT_TRUE(zeblo_click_checkbox(kApp, kWindow, "Enable Feature"));
+    EXPECT_TRUE(status("feature 1"));
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 0));
+    EXPECT_TRUE(status("feature 0"));
+    // Already 0: nothing changes, and the write still succeeds.
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 0));
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 1));
+    EXPECT_TRUE(status("feature 1"));
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 0));
+    // A value other than 0 and 1 has no meaning for a GTK check box.
+    EXPECT_FALSE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 2));
+}
+
+TEST_F(TestApp, WindowTextShowsLabelsAndValues) {
+    const std::string text = windowText(kApp, kWindow);
+    EXPECT_NE(text.find("[AXStaticText] Last:"), std::string::npos) << text;
+    EXPECT_NE(text.find("[AXCheckBox Title] Remember Me"), std::string::npos) << text;
+    EXPECT_NE(text.find("[AXPopUpButton] Red"), std::string::npos) << text;
+    EXPECT_NE(text.find("[AXButton Title] Press Me"), std::string::npos) << text;
+}
+
+TEST_F(TestApp, TypingAndDirectEntryReachTheFocusedField) {
+    ASSERT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
+    ASSERT_TRUE(zeblo_paste_into_focused_field("direct entry", false));
+    EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, "[AXTextField] direct entry"); }));
+    ASSERT_TRUE(zeblo_type_text(" + typed", true));
+    EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, " + typed"); })) << windowText(kApp, kWindow);
+    EXPECT_FALSE(zeblo_type_text("\xC3\xA9", false));  // not on a US keyboard
+}
+
+TEST_F(TestApp, DialogOpensIsFoundAndCloses) {
+    ASSERT_TRUE(zeblo_click_button(kApp, kWindow, "Open Dialog"));
+    ASSERT_TRUE(zeblo_wait_for_window(kApp, "Test Dialog", 0, 10000));
+    EXPECT_TRUE(zeblo_window_exists(kApp, "Test Dialog"));
+    const json titles = takeJson(zeblo_get_window_titles(kApp));
+    EXPECT_NE(std::find(titles.begin(), titles.end(), "Test Dialog"), titles.end()) << titles.dump();
+    EXPECT_TRUE(zeblo_wait_for_window(kApp, "Test Dialog", 2, 10000));  // a new dialog takes the focus
+    EXPECT_TRUE(windowTextHas(kApp, "Test Dialog", "This is the test dialog"));
+
+    ASSERT_TRUE(zeblo_close_window(kApp, "Test Dialog", 5000));
+    EXPECT_TRUE(zeblo_wait_for_window(kApp, "Test Dialog", 1, 5000));
+    EXPECT_FALSE(zeblo_window_exists(kApp, "Test Dialog"));
+    EXPECT_TRUE(status("dialog closed"));
+}
+
+TEST_F(TestApp, FrontmostInfoNamesAppAndWindow) {
+    const json info = takeJson(zeblo_get_frontmost_info());
+    EXPECT_EQ(info.value("app", ""), kApp) << info.dump();
+    EXPECT_EQ(info.value("window", ""), kWindow) << info.dump();
+}
+
+TEST_F(TestApp, PopupButtonListsItsMenu) {
+    const json items = takeJson(zeblo_get_popup_menu_items(kApp, kWindow, "Red"));
+    EXPECT_EQ(items, json({"Red", "Green", "Blue"}));
+    // The opened list holds the keyboard until Escape closes it; the test
+    // application then gives the focus back to its name field.
+    const uint16_t escape = 53;
+    EXPECT_TRUE(eventually([&] { return zeblo_send_global_keystroke(&escape, 1, 0) && zeblo_is_in_text_field(); }));
+}
+
+}  // namespace
