@@ -20,16 +20,6 @@ bool isPressName(const std::string& name) {
     return false;
 }
 
-bool isTextRole(AtspiRole role) {
-    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_PASSWORD_TEXT ||
-           role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
-}
-
-bool isToggleRole(AtspiRole role) {
-    return role == ATSPI_ROLE_CHECK_BOX || role == ATSPI_ROLE_TOGGLE_BUTTON || role == ATSPI_ROLE_RADIO_BUTTON ||
-           role == ATSPI_ROLE_CHECK_MENU_ITEM || role == ATSPI_ROLE_RADIO_MENU_ITEM;
-}
-
 std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
     std::vector<std::string> names;
     AtspiAction* action = atspi_accessible_get_action_iface(object);

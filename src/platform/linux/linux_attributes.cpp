@@ -47,16 +47,6 @@ constexpr RoleName kRoles[] = {
     {ATSPI_ROLE_FILLER, "AXGroup"},             {ATSPI_ROLE_PANEL, "AXGroup"},
 };
 
-bool isTextRole(AtspiRole role) {
-    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_PASSWORD_TEXT ||
-           role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
-}
-
-bool isToggleRole(AtspiRole role) {
-    return role == ATSPI_ROLE_CHECK_BOX || role == ATSPI_ROLE_TOGGLE_BUTTON || role == ATSPI_ROLE_RADIO_BUTTON ||
-           role == ATSPI_ROLE_CHECK_MENU_ITEM || role == ATSPI_ROLE_RADIO_MENU_ITEM;
-}
-
 bool isMenuItemRole(AtspiRole role) {
     return role == ATSPI_ROLE_MENU || role == ATSPI_ROLE_MENU_ITEM || role == ATSPI_ROLE_CHECK_MENU_ITEM ||
            role == ATSPI_ROLE_RADIO_MENU_ITEM;
@@ -129,16 +119,9 @@ Value elementArray(LinuxPlatform& p, std::vector<AtspiAccessible*> objects) {
     return out;
 }
 
-// The first descendant of `root` with `role` (through the Collection
-// interface: one round trip), with a reference, or null.
-AtspiAccessible* findByRole(AtspiAccessible* root, AtspiRole role) {
-    AtspiCollection* collection = atspi_accessible_get_collection_iface(root);
-    if (collection == nullptr) return nullptr;
-    GArray* roles = g_array_new(FALSE, FALSE, sizeof(AtspiRole));
-    g_array_append_val(roles, role);
-    AtspiMatchRule* rule = atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
-                                                ATSPI_Collection_MATCH_ALL, roles, ATSPI_Collection_MATCH_ANY,
-                                                nullptr, ATSPI_Collection_MATCH_ALL, FALSE);
+// The first match of `rule` in `collection` (one round trip), with a
+// reference, or null.
+AtspiAccessible* firstMatch(AtspiCollection* collection, AtspiMatchRule* rule) {
     GError* error = nullptr;
     GArray* matches = atspi_collection_get_matches(collection, rule, ATSPI_Collection_SORT_ORDER_CANONICAL, 1,
                                                    TRUE, &error);
@@ -155,6 +138,20 @@ AtspiAccessible* findByRole(AtspiAccessible* root, AtspiRole role) {
         }
         g_array_free(matches, TRUE);
     }
+    return found;
+}
+
+// The first descendant of `root` with `role` (through the Collection
+// interface: one round trip), with a reference, or null.
+AtspiAccessible* findByRole(AtspiAccessible* root, AtspiRole role) {
+    AtspiCollection* collection = atspi_accessible_get_collection_iface(root);
+    if (collection == nullptr) return nullptr;
+    GArray* roles = g_array_new(FALSE, FALSE, sizeof(AtspiRole));
+    g_array_append_val(roles, role);
+    AtspiMatchRule* rule = atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
+                                                ATSPI_Collection_MATCH_ALL, roles, ATSPI_Collection_MATCH_ANY,
+                                                nullptr, ATSPI_Collection_MATCH_ALL, FALSE);
+    AtspiAccessible* found = firstMatch(collection, rule);
     g_object_unref(rule);
     g_array_free(roles, TRUE);
     g_object_unref(collection);
@@ -171,22 +168,7 @@ AtspiAccessible* findFocused(AtspiAccessible* root) {
     AtspiMatchRule* rule = atspi_match_rule_new(states, ATSPI_Collection_MATCH_ALL, nullptr,
                                                 ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL,
                                                 nullptr, ATSPI_Collection_MATCH_ALL, FALSE);
-    GError* error = nullptr;
-    GArray* matches = atspi_collection_get_matches(collection, rule, ATSPI_Collection_SORT_ORDER_CANONICAL, 1,
-                                                   TRUE, &error);
-    failed(error);
-    AtspiAccessible* found = nullptr;
-    if (matches != nullptr) {
-        for (guint i = 0; i < matches->len; ++i) {
-            AtspiAccessible* match = g_array_index(matches, AtspiAccessible*, i);
-            if (found == nullptr && match != nullptr) {
-                found = match;
-            } else if (match != nullptr) {
-                g_object_unref(match);
-            }
-        }
-        g_array_free(matches, TRUE);
-    }
+    AtspiAccessible* found = firstMatch(collection, rule);
     g_object_unref(rule);
     g_object_unref(states);
     g_object_unref(collection);

@@ -130,4 +130,16 @@ std::string takeText(char* text);
 // The children of `object`, each with its own reference; null entries kept.
 std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object);
 
+// Roles whose value is text (entries, password fields, text views).
+inline bool isTextRole(AtspiRole role) {
+    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_PASSWORD_TEXT ||
+           role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
+}
+
+// Roles whose value is an on/off state, read and written as 0 or 1.
+inline bool isToggleRole(AtspiRole role) {
+    return role == ATSPI_ROLE_CHECK_BOX || role == ATSPI_ROLE_TOGGLE_BUTTON || role == ATSPI_ROLE_RADIO_BUTTON ||
+           role == ATSPI_ROLE_CHECK_MENU_ITEM || role == ATSPI_ROLE_RADIO_MENU_ITEM;
+}
+
 }  // namespace zeblo::platform::linux_desktop
