@@ -8,25 +8,25 @@
 
 namespace zeblo {
 
-class AppError : public Error {
+class AppError : public TypedError {
 public:
     enum class Case { appNotFound = 0, noFrontmostApp = 1, activationFailed = 2, launchFailed = 3 };
 
-    static AppError appNotFound(std::string name) { return AppError(Case::appNotFound, std::move(name)); }
-    static AppError noFrontmostApp() { return AppError(Case::noFrontmostApp); }
-    static AppError activationFailed() { return AppError(Case::activationFailed); }
-    static AppError launchFailed() { return AppError(Case::launchFailed); }
+    static AppError appNotFound(std::string name) {
+        return AppError(Case::appNotFound, "appNotFound", std::move(name));
+    }
+    static AppError noFrontmostApp() { return AppError(Case::noFrontmostApp, "noFrontmostApp"); }
+    static AppError activationFailed() { return AppError(Case::activationFailed, "activationFailed"); }
+    static AppError launchFailed() { return AppError(Case::launchFailed, "launchFailed"); }
 
     Case kind() const noexcept { return case_; }
-    const std::string& name() const noexcept { return name_; }  // appNotFound only
-
-    std::string description() const override;
-    std::string debugText() const override;
+    const std::string& name() const noexcept { return payload(); }  // appNotFound only
 
 private:
-    explicit AppError(Case c, std::string name = {}) : case_(c), name_(std::move(name)) {}
+    AppError(Case c, const char* caseName) : TypedError("AppError", static_cast<int>(c), caseName), case_(c) {}
+    AppError(Case c, const char* caseName, std::string name)
+        : TypedError("AppError", static_cast<int>(c), caseName, std::move(name)), case_(c) {}
     Case case_;
-    std::string name_;
 };
 
 }  // namespace zeblo

@@ -21,6 +21,12 @@ std::string caseWithPayload(std::string_view caseName, std::string_view payload)
     return out;
 }
 
+std::string TypedError::description() const { return genericDescription(typeName_, caseNumber_); }
+
+std::string TypedError::debugText() const {
+    return hasPayload_ ? caseWithPayload(caseName_, payload_) : std::string(caseName_);
+}
+
 std::string MessageError::debugText() const {
     std::string out = "Error Domain=";
     out += domain_;

@@ -25,6 +25,32 @@ public:
 // own, e.g. "The operation couldn’t be completed. (ZEBLOui.AppError error 1.)".
 std::string genericDescription(std::string_view typeName, int caseNumber);
 
+// An error of a typed kind without texts of its own: its description is the
+// generic one naming the type and the case number, and its default rendering
+// is the case name with its payload, if the case carries one.
+class TypedError : public Error {
+public:
+    std::string description() const override;
+    std::string debugText() const override;
+
+protected:
+    TypedError(const char* typeName, int caseNumber, const char* caseName)
+        : typeName_(typeName), caseName_(caseName), caseNumber_(caseNumber) {}
+    TypedError(const char* typeName, int caseNumber, const char* caseName, std::string payload)
+        : typeName_(typeName), caseName_(caseName), caseNumber_(caseNumber), payload_(std::move(payload)),
+          hasPayload_(true) {}
+
+    // The case's string payload; empty for a case that carries none.
+    const std::string& payload() const noexcept { return payload_; }
+
+private:
+    const char* typeName_;
+    const char* caseName_;
+    int caseNumber_;
+    std::string payload_;
+    bool hasPayload_ = false;
+};
+
 // An error object with a domain, a code and a message; its description is the
 // message.
 class MessageError : public Error {

@@ -10,26 +10,27 @@
 
 namespace zeblo {
 
-class KeystrokeError : public Error {
+class KeystrokeError : public TypedError {
 public:
     enum class Case { appNotFound = 0, noFrontmostApp = 1, invalidModifiers = 2 };
 
     // The application name exactly as the caller gave it.
-    static KeystrokeError appNotFound(std::string name) { return KeystrokeError(Case::appNotFound, std::move(name)); }
-    static KeystrokeError noFrontmostApp() { return KeystrokeError(Case::noFrontmostApp); }
+    static KeystrokeError appNotFound(std::string name) {
+        return KeystrokeError(Case::appNotFound, "appNotFound", std::move(name));
+    }
+    static KeystrokeError noFrontmostApp() { return KeystrokeError(Case::noFrontmostApp, "noFrontmostApp"); }
     // Kept for completeness: unknown modifier bits are ignored, never refused.
-    static KeystrokeError invalidModifiers() { return KeystrokeError(Case::invalidModifiers); }
+    static KeystrokeError invalidModifiers() { return KeystrokeError(Case::invalidModifiers, "invalidModifiers"); }
 
     Case kind() const noexcept { return case_; }
-    const std::string& name() const noexcept { return name_; }  // appNotFound only
-
-    std::string description() const override;
-    std::string debugText() const override;
+    const std::string& name() const noexcept { return payload(); }  // appNotFound only
 
 private:
-    explicit KeystrokeError(Case c, std::string name = {}) : case_(c), name_(std::move(name)) {}
+    KeystrokeError(Case c, const char* caseName)
+        : TypedError("KeystrokeError", static_cast<int>(c), caseName), case_(c) {}
+    KeystrokeError(Case c, const char* caseName, std::string name)
+        : TypedError("KeystrokeError", static_cast<int>(c), caseName, std::move(name)), case_(c) {}
     Case case_;
-    std::string name_;
 };
 
 // The error domain of keystroke failures.

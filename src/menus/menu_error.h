@@ -9,7 +9,7 @@
 
 namespace zeblo {
 
-class MenuError : public Error {
+class MenuError : public TypedError {
 public:
     // The case numbers are part of the descriptions the host sees.
     enum class Case {
@@ -21,26 +21,26 @@ public:
         menuClickFailed = 5,
     };
 
-    static MenuError appNotFound(std::string name) { return MenuError(Case::appNotFound, std::move(name)); }
-    static MenuError menuItemNotFound(std::string title) {
-        return MenuError(Case::menuItemNotFound, std::move(title));
+    static MenuError appNotFound(std::string name) {
+        return MenuError(Case::appNotFound, "appNotFound", std::move(name));
     }
-    static MenuError noFrontmostApp() { return MenuError(Case::noFrontmostApp); }
-    static MenuError menuBarNotFound() { return MenuError(Case::menuBarNotFound); }
-    static MenuError emptyMenuPath() { return MenuError(Case::emptyMenuPath); }
-    static MenuError menuClickFailed() { return MenuError(Case::menuClickFailed); }
+    static MenuError menuItemNotFound(std::string title) {
+        return MenuError(Case::menuItemNotFound, "menuItemNotFound", std::move(title));
+    }
+    static MenuError noFrontmostApp() { return MenuError(Case::noFrontmostApp, "noFrontmostApp"); }
+    static MenuError menuBarNotFound() { return MenuError(Case::menuBarNotFound, "menuBarNotFound"); }
+    static MenuError emptyMenuPath() { return MenuError(Case::emptyMenuPath, "emptyMenuPath"); }
+    static MenuError menuClickFailed() { return MenuError(Case::menuClickFailed, "menuClickFailed"); }
 
     Case kind() const noexcept { return case_; }
     // The name asked for (appNotFound) or the title not found (menuItemNotFound).
-    const std::string& payload() const noexcept { return payload_; }
-
-    std::string description() const override;
-    std::string debugText() const override;
+    using TypedError::payload;
 
 private:
-    explicit MenuError(Case c, std::string payload = {}) : case_(c), payload_(std::move(payload)) {}
+    MenuError(Case c, const char* caseName) : TypedError("MenuError", static_cast<int>(c), caseName), case_(c) {}
+    MenuError(Case c, const char* caseName, std::string payload)
+        : TypedError("MenuError", static_cast<int>(c), caseName, std::move(payload)), case_(c) {}
     Case case_;
-    std::string payload_;
 };
 
 }  // namespace zeblo
