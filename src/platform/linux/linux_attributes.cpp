@@ -218,6 +218,33 @@ AtspiAccessible* focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
     return found;
 }
 
+// The focused element of `app`'s focused window, with a reference, or null.
+//
+// GTK can lose track of its focus after a menu item is activated through
+// accessibility: the menu's keyboard grab ends without a focus-in, so keys
+// still reach the focus widget while nothing reports the focused state. When
+// the application owns the active window and nothing in it is focused, the X
+// input focus is moved away and back, which makes the toolkit notice its
+// focus again, and the question is asked again for a short while.
+AtspiAccessible* focusedElementOf(LinuxPlatform& p, AtspiAccessible* app) {
+    AtspiAccessible* window = focusedWindowOf(p, app);
+    if (window == nullptr) return nullptr;
+    AtspiAccessible* focused = findFocused(window);
+    if (focused == nullptr) {
+        GError* error = nullptr;
+        const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, &error));
+        if (!failed(error) && p.x11().activeWindowPid() == pid && p.x11().refreshFocus()) {
+            for (const double pause : {0.0, 0.005, 0.01, 0.02, 0.04, 0.08}) {
+                p.x11().serve(pause);
+                focused = findFocused(window);
+                if (focused != nullptr) break;
+            }
+        }
+    }
+    g_object_unref(window);
+    return focused;
+}
+
 AttributeRead ok(Value value) { return {kAXErrorSuccess, std::move(value)}; }
 AttributeRead unsupported() { return {kAXErrorAttributeUnsupported, {}}; }
 
@@ -306,11 +333,8 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
         const std::optional<std::int32_t> pid = x11().activeWindowPid();
         AtspiAccessible* app = pid ? findApplication(*pid) : nullptr;
         if (app == nullptr) return {kAXErrorNoValue, {}};
-        AtspiAccessible* window = focusedWindowOf(*this, app);
+        AtspiAccessible* focused = focusedElementOf(*this, app);
         g_object_unref(app);
-        if (window == nullptr) return {kAXErrorNoValue, {}};
-        AtspiAccessible* focused = findFocused(window);
-        g_object_unref(window);
         if (focused == nullptr) return {kAXErrorNoValue, {}};
         return ok(wrap(focused));
     }
@@ -381,10 +405,7 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
             return bar != nullptr ? ok(wrap(bar)) : AttributeRead{kAXErrorNoValue, {}};
         }
         if (attribute == "AXFocusedUIElement") {
-            AtspiAccessible* window = focusedWindowOf(*this, object);
-            if (window == nullptr) return {kAXErrorNoValue, {}};
-            AtspiAccessible* focused = findFocused(window);
-            g_object_unref(window);
+            AtspiAccessible* focused = focusedElementOf(*this, object);
             return focused != nullptr ? ok(wrap(focused)) : AttributeRead{kAXErrorNoValue, {}};
         }
         return unsupported();

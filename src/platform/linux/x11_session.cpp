@@ -125,6 +125,17 @@ bool X11Session::activate(Window window) {
     return sent != 0;
 }
 
+bool X11Session::refreshFocus() {
+    Window focus = None;
+    int revertTo = RevertToParent;
+    XGetInputFocus(display_, &focus, &revertTo);
+    if (focus == None || focus == PointerRoot || focus == DefaultRootWindow(display_)) return false;
+    XSetInputFocus(display_, PointerRoot, RevertToPointerRoot, CurrentTime);
+    XSetInputFocus(display_, focus, revertTo, CurrentTime);
+    XSync(display_, False);
+    return true;
+}
+
 bool X11Session::requestClose(Window window) {
     XEvent event{};
     event.xclient.type = ClientMessage;

@@ -35,6 +35,10 @@ public:
     std::vector<Window> windowsOf(std::int32_t pid);
     std::string titleOf(Window window);
     bool activate(Window window);
+    // Moves the input focus to the root window and back to the window that
+    // has it, so that its toolkit sees a fresh focus-in. False when no window
+    // has the focus.
+    bool refreshFocus();
     // Asks the window (WM_DELETE_WINDOW) to close.
     bool requestClose(Window window);
 
