@@ -1,6 +1,11 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project builds and tests with, only those
 # that are missing. Run as root (or with sudo available).
+#
+#   install-deps.sh [--desktop] [PACKAGE...]
+#
+# --desktop adds what a headless desktop session and the real applications
+# the end-to-end tests and the desktop benchmark drive need.
 set -euo pipefail
 
 packages=(
@@ -8,8 +13,20 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libicu-dev nlohmann-json3-dev
   libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
+  libatspi2.0-dev libxtst-dev libx11-dev  # the Linux desktop backend
 )
-extra=("$@")  # further packages a caller needs (e.g. the sanitizer runtime)
+desktop=(
+  xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps
+  gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
+)
+extra=()
+for arg in "$@"; do
+  if [ "$arg" = "--desktop" ]; then
+    extra+=("${desktop[@]}")
+  else
+    extra+=("$arg")
+  fi
+done
 
 missing=()
 for p in "${packages[@]}" "${extra[@]}"; do

@@ -1,5 +1,6 @@
 // End-to-end tests against our own GTK test application (testapp.py): menus,
 // buttons, checkboxes, the combo box, text fields and a dialog.
+#include <thread>
 #include <vector>
 
 #include "e2e_support.h"
@@ -172,6 +173,29 @@ TEST_F(TestApp, FrontmostInfoNamesAppAndWindow) {
     const json info = takeJson(zeblo_get_frontmost_info());
     EXPECT_EQ(info.value("app", ""), kApp) << info.dump();
     EXPECT_EQ(info.value("window", ""), kWindow) << info.dump();
+}
+
+// libatspi and Xlib are not thread-safe: calls from several threads are
+// serialised by the backend and give what a single thread gets.
+TEST_F(TestApp, ConcurrentCallsGiveTheSingleThreadedResults) {
+    const std::string menus = take(zeblo_get_app_menus(kApp));
+    const std::string text = windowText(kApp, kWindow);
+    ASSERT_NE(menus, "{}");
+    ASSERT_FALSE(text.empty());
+    std::vector<std::thread> threads;
+    std::vector<int> mismatches(3, 0);
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([&, t] {
+            for (int round = 0; round < 8; ++round) {
+                if (take(zeblo_get_app_menus(kApp)) != menus) ++mismatches[t];
+                if (windowText(kApp, kWindow) != text) ++mismatches[t];
+                if (!zeblo_menu_item_exists(kApp, std::vector<const char*>{"View", "Zoom", "Zoom In"}.data(), 3))
+                    ++mismatches[t];
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(mismatches, std::vector<int>(3, 0));
 }
 
 TEST_F(TestApp, PopupButtonListsItsMenu) {

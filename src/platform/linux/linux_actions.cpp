@@ -92,6 +92,8 @@ AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
 }  // namespace
 
 AXError LinuxPlatform::performAction(const Element& element, std::string_view action) {
+    const auto locked = guard();
+    touch();
     Node* n = node(element);
     if (n == nullptr) return kAXErrorIllegalArgument;
     if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
@@ -107,6 +109,7 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
 }
 
 NamesRead LinuxPlatform::copyActionNames(const Element& element) {
+    const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
@@ -129,6 +132,8 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
 }
 
 AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_view attribute, const SetValue& value) {
+    const auto locked = guard();
+    touch();
     Node* n = node(element);
     if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
     if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
@@ -155,6 +160,7 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
 }
 
 SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
+    const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, false};
     if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};

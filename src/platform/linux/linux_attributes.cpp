@@ -77,19 +77,30 @@ std::string nameOf(AtspiAccessible* object, bool* ok = nullptr) {
     return takeText(name);
 }
 
-// The key binding of a menu item's first action, as (character, modifiers)
-// with the modifier bits of a menu item's key equivalent: 1 shift, 2 option,
-// 4 control, 8 no command. Control (and GTK's <Primary>) is the command key,
-// since the library's command flag is sent as Control.
-std::optional<std::pair<std::string, std::int64_t>> keyEquivalent(AtspiAccessible* object) {
-    AtspiAction* action = atspi_accessible_get_action_iface(object);
-    if (action == nullptr) return std::nullopt;
-    GError* error = nullptr;
-    const int count = atspi_action_get_n_actions(action, &error);
+// The key binding of the element's first action ("" when it has none), read
+// once per node. A surveyed element without the Action interface costs no
+// round trip.
+const std::string& keyBindingOf(Node& node, const Survey::Item* item) {
+    if (node.keyBinding) return *node.keyBinding;
+    if (item != nullptr) {
+        if (const std::string* known = node.survey->keyBinding(node.object)) return node.keyBinding.emplace(*known);
+    }
     std::string binding;
-    if (!failed(error) && count > 0) binding = takeText(atspi_action_get_key_binding(action, 0, &error));
-    failed(error);
-    g_object_unref(action);
+    AtspiAction* action = item != nullptr && !item->hasAction ? nullptr : atspi_accessible_get_action_iface(node.object);
+    if (action != nullptr) {
+        GError* error = nullptr;
+        binding = takeText(atspi_action_get_key_binding(action, 0, &error));
+        if (failed(error)) binding.clear();  // no action at all
+        g_object_unref(action);
+    }
+    return node.keyBinding.emplace(std::move(binding));
+}
+
+// A menu item's key equivalent from its key binding, as (character,
+// modifiers) with the modifier bits of a menu item's key equivalent: 1 shift,
+// 2 option, 4 control, 8 no command. Control (and GTK's <Primary>) is the
+// command key, since the library's command flag is sent as Control.
+std::optional<std::pair<std::string, std::int64_t>> keyEquivalent(const std::string& binding) {
     // "mnemonic;path;accelerator", e.g. "n;<Alt>f:n;<Primary>n".
     const std::size_t last = binding.rfind(';');
     std::string accel = last == std::string::npos ? binding : binding.substr(last + 1);
@@ -290,8 +301,21 @@ std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object) {
     return out;
 }
 
+// What a node's survey knows of it, however old: for the facts that do not
+// change while an element lives (its role, whether a text is single-line).
+const Survey::Item* lastKnown(const Node& node) {
+    return node.survey ? node.survey->find(node.object) : nullptr;
+}
+
 AtspiRole roleOf(Node& node) {
-    if (!node.role) node.role = node.object != nullptr ? roleOfObject(node.object) : ATSPI_ROLE_INVALID;
+    if (!node.role) {
+        const Survey::Item* item = lastKnown(node);
+        if (item != nullptr) {
+            node.role = item->role;
+        } else {
+            node.role = node.object != nullptr ? roleOfObject(node.object) : ATSPI_ROLE_INVALID;
+        }
+    }
     return *node.role;
 }
 
@@ -299,12 +323,17 @@ std::string axRole(Node& node) {
     if (node.kind == Node::Kind::closeButton) return "AXButton";
     if (node.kind == Node::Kind::application) return "AXApplication";
     const AtspiRole role = roleOf(node);
+    const Survey::Item* item = lastKnown(node);
     if (role == ATSPI_ROLE_MENU) {
         // A menu directly in the menu bar is a menu bar item; a combo box's
         // list is a menu; a submenu is an item of its parent menu.
-        AtspiAccessible* parent = atspi_accessible_get_parent(node.object, nullptr);
-        const AtspiRole parentRole = parent != nullptr ? roleOfObject(parent) : ATSPI_ROLE_INVALID;
-        if (parent != nullptr) g_object_unref(parent);
+        AtspiRole parentRole = ATSPI_ROLE_INVALID;
+        if (const Survey::Item* parent = item != nullptr ? node.survey->parent(*item) : nullptr) {
+            parentRole = parent->role;
+        } else if (AtspiAccessible* p = atspi_accessible_get_parent(node.object, nullptr)) {
+            parentRole = roleOfObject(p);
+            g_object_unref(p);
+        }
         if (parentRole == ATSPI_ROLE_MENU_BAR) return "AXMenuBarItem";
         if (parentRole == ATSPI_ROLE_COMBO_BOX) return "AXMenu";
         return "AXMenuItem";
@@ -317,7 +346,9 @@ std::string axRole(Node& node) {
         return "AXComboBox";
     }
     if (role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY) {
-        return hasState(node.object, ATSPI_STATE_SINGLE_LINE) ? "AXTextField" : "AXTextArea";
+        const bool singleLine = item != nullptr ? ((item->states >> ATSPI_STATE_SINGLE_LINE) & 1) != 0
+                                                : hasState(node.object, ATSPI_STATE_SINGLE_LINE);
+        return singleLine ? "AXTextField" : "AXTextArea";
     }
     for (const RoleName& r : kRoles) {
         if (r.role == role) return r.name;
@@ -347,19 +378,30 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
     AtspiAccessible* object = node.object;
     const AtspiRole role = roleOf(node);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, {}};
+    // Names, descriptions and states come from the walk's survey while it is
+    // current, otherwise from the application.
+    const Survey::Item* item = surveyed(node);
+    const auto has = [&](AtspiStateType state) {
+        return item != nullptr ? ((item->states >> state) & 1) != 0 : hasState(object, state);
+    };
+    const auto name = [&](bool* good = nullptr) {
+        if (item == nullptr) return nameOf(object, good);
+        if (good != nullptr) *good = true;
+        return item->name;
+    };
 
     if (attribute == "AXRole") return ok(axRole(node));
     if (attribute == "AXTitle") {
         if (role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC || isTextRole(role)) return unsupported();
         bool good = false;
-        std::string name = nameOf(object, &good);
+        std::string title = name(&good);
         if (!good) return {kAXErrorCannotComplete, {}};
-        return ok(std::move(name));
+        return ok(std::move(title));
     }
     if (attribute == "AXValue") {
         if (isToggleRole(role)) {
-            if (hasState(object, ATSPI_STATE_INDETERMINATE)) return ok(std::int64_t{2});
-            return ok(std::int64_t{hasState(object, ATSPI_STATE_CHECKED) ? 1 : 0});
+            if (has(ATSPI_STATE_INDETERMINATE)) return ok(std::int64_t{2});
+            return ok(std::int64_t{has(ATSPI_STATE_CHECKED) ? 1 : 0});
         }
         if (isTextRole(role)) {
             auto text = textContents(object);
@@ -367,24 +409,44 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
             return ok(std::move(*text));
         }
         if (role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) {
-            std::string name = nameOf(object);
-            if (name.empty()) name = textContents(object).value_or("");
-            return ok(std::move(name));
+            std::string label = name();
+            if (label.empty()) label = textContents(object).value_or("");
+            return ok(std::move(label));
         }
-        if (role == ATSPI_ROLE_COMBO_BOX) return ok(nameOf(object));
+        if (role == ATSPI_ROLE_COMBO_BOX) return ok(name());
         return unsupported();
     }
     if (attribute == "AXDescription") {
-        GError* error = nullptr;
-        std::string description = takeText(atspi_accessible_get_description(object, &error));
-        if (failed(error)) return {kAXErrorCannotComplete, {}};
+        std::string description;
+        if (item != nullptr) {
+            description = item->description;
+        } else {
+            GError* error = nullptr;
+            description = takeText(atspi_accessible_get_description(object, &error));
+            if (failed(error)) return {kAXErrorCannotComplete, {}};
+        }
         if (description.empty()) return ok(std::monostate{});
         return ok(std::move(description));
     }
-    if (attribute == "AXEnabled") return ok(hasState(object, ATSPI_STATE_SENSITIVE));
+    if (attribute == "AXEnabled") return ok(has(ATSPI_STATE_SENSITIVE));
     if (attribute == "AXChildren") {
         if (role == ATSPI_ROLE_APPLICATION) return ok(elementArray(*this, windowsOf(object)));
-        return ok(elementArray(*this, childrenOf(object)));
+        // A walk starts here: one bulk read serves it (and its children).
+        const std::shared_ptr<const Survey> survey = surveyFor(node);
+        const Survey::Item* known = surveyed(node);
+        std::vector<Element> children;
+        if (known != nullptr && known->childrenKnown) {
+            children.reserve(known->children.size());
+            for (AtspiAccessible* child : known->children) {
+                g_object_ref(child);
+                children.push_back(wrap(child, Node::Kind::accessible, survey));
+            }
+        } else {
+            for (AtspiAccessible* child : childrenOf(object)) {
+                children.push_back(wrap(child, Node::Kind::accessible, survey));
+            }
+        }
+        return ok(std::move(children));
     }
     if (role == ATSPI_ROLE_APPLICATION) {
         if (attribute == "AXWindows") return ok(elementArray(*this, windowsOf(object)));
@@ -412,12 +474,12 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
     }
     if (isMenuItemRole(role)) {
         if (attribute == "AXMenuItemMarkChar") {
-            if (hasState(object, ATSPI_STATE_CHECKED)) return ok(std::string("\xE2\x9C\x93"));  // ✓
+            if (has(ATSPI_STATE_CHECKED)) return ok(std::string("\xE2\x9C\x93"));  // ✓
             return ok(std::monostate{});
         }
         if (attribute == "AXMenuItemCmdChar" || attribute == "AXMenuItemCmdModifiers") {
             if (role == ATSPI_ROLE_MENU) return ok(std::monostate{});
-            auto key = keyEquivalent(object);
+            auto key = keyEquivalent(keyBindingOf(node, item));
             if (!key) return ok(std::monostate{});
             if (attribute == "AXMenuItemCmdChar") return ok(std::move(key->first));
             return ok(key->second);
@@ -435,6 +497,7 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
 }
 
 AttributeRead LinuxPlatform::copyAttributeValue(const Element& element, std::string_view attribute) {
+    const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, {}};
     try {
@@ -445,6 +508,7 @@ AttributeRead LinuxPlatform::copyAttributeValue(const Element& element, std::str
 }
 
 NamesRead LinuxPlatform::copyAttributeNames(const Element& element) {
+    const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     std::vector<std::string> names{"AXRole"};

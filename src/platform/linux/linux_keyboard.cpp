@@ -85,6 +85,8 @@ void LinuxPlatform::setEventIntegerField(const Event& /*event*/, std::uint32_t /
 }
 
 void LinuxPlatform::postEvent(std::uint32_t /*tap*/, const Event& event) {
+    const auto locked = guard();
+    touch();
     KeyEvent* e = keyEvent(event, this);
     if (e == nullptr) return;
     const unsigned long keysym = keysymFor(e->keyCode);

@@ -8,6 +8,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -143,12 +144,25 @@ std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
 
 LinuxPlatform::~LinuxPlatform() = default;
 
-Element LinuxPlatform::wrap(AtspiAccessible* object, Node::Kind kind) {
+Element LinuxPlatform::wrap(AtspiAccessible* object, Node::Kind kind, std::shared_ptr<const Survey> survey) {
     if (object == nullptr) return Element();
     auto* n = new Node();
     n->kind = kind;
     n->object = object;
+    n->survey = std::move(survey);
     return Element::adopt(this, n);
+}
+
+const Survey::Item* LinuxPlatform::surveyed(const Node& node) const {
+    if (!node.survey || node.survey->generation() != generation_) return nullptr;
+    return node.survey->find(node.object);
+}
+
+const std::shared_ptr<const Survey>& LinuxPlatform::surveyFor(Node& node) {
+    if (!node.survey || node.survey->generation() != generation_) {
+        node.survey = Survey::take(node.object, generation_);
+    }
+    return node.survey;
 }
 
 Node* LinuxPlatform::node(const Element& element) const noexcept {
@@ -176,6 +190,7 @@ AtspiAccessible* LinuxPlatform::findApplication(std::int32_t pid) {
 }
 
 Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
+    const auto locked = guard();
     AtspiAccessible* app = findApplication(pid);
     auto* n = new Node();
     n->kind = app != nullptr ? Node::Kind::accessible : Node::Kind::application;
@@ -185,12 +200,14 @@ Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
 }
 
 Element LinuxPlatform::createSystemWideElement() {
+    const auto locked = guard();
     auto* n = new Node();
     n->kind = Node::Kind::systemWide;
     return Element::adopt(this, n);
 }
 
 bool LinuxPlatform::isProcessTrusted(bool /*prompt*/) {
+    const auto locked = guard();
     // There is no permission to ask for: the bus either answers or not.
     AtspiAccessible* desktop = atspi_get_desktop(0);
     if (desktop == nullptr) return false;
@@ -205,6 +222,7 @@ bool LinuxPlatform::isProcessTrusted(bool /*prompt*/) {
 // --- Workspace ------------------------------------------------------------------
 
 std::vector<RunningApp> LinuxPlatform::runningApplications() {
+    const auto locked = guard();
     drainEvents();
     std::vector<RunningApp> out;
     for (AtspiAccessible* app : applications()) {
@@ -228,6 +246,7 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
 }
 
 std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
+    const auto locked = guard();
     const std::optional<std::int32_t> pid = x11_->activeWindowPid();
     if (!pid) return std::nullopt;
     for (RunningApp& app : runningApplications()) {
@@ -243,6 +262,8 @@ std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
 }
 
 bool LinuxPlatform::launchApplication(std::string_view name) {
+    const auto locked = guard();
+    touch();
     const std::string wanted(name);
     if (wanted.empty()) return false;
     for (const RunningApp& app : runningApplications()) {
@@ -254,6 +275,8 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
 }
 
 bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
+    const auto locked = guard();
+    touch();
     const std::vector<Window> windows = x11_->windowsOf(app.pid);
     if (windows.empty()) return false;
     return x11_->activate(windows.back());
@@ -262,6 +285,7 @@ bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*o
 // --- Pasteboard: the CLIPBOARD selection -------------------------------------------
 
 std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
+    const auto locked = guard();
     std::vector<PasteboardItem> items;
     std::optional<std::string> text = x11_->readText(1.0);
     if (text) {
@@ -272,13 +296,18 @@ std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
     return items;
 }
 
-void LinuxPlatform::clearPasteboard() { x11_->disown(); }
+void LinuxPlatform::clearPasteboard() {
+    const auto locked = guard();
+    x11_->disown();
+}
 
 bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view type) {
+    const auto locked = guard();
     return x11_->own({{std::string(type), std::string(text)}});
 }
 
 bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {
+    const auto locked = guard();
     std::vector<std::pair<std::string, std::string>> pairs;
     for (const PasteboardItem& item : items) {
         for (const auto& [type, data] : item.entries) {
@@ -293,7 +322,15 @@ bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& item
 
 void LinuxPlatform::sleep(double seconds) {
     if (!(seconds > 0) || seconds > 1e6) return;
-    x11_->serve(seconds);  // CLIPBOARD requests are answered while waiting
+    // CLIPBOARD requests are answered while waiting, in slices, so that other
+    // threads' operations are not held up for the whole pause.
+    constexpr double kSlice = 0.01;
+    const double end = now() + seconds;
+    for (double left = seconds; left > 0; left = end - now()) {
+        const auto locked = guard();
+        touch();
+        x11_->serve(std::min(left, kSlice));
+    }
 }
 
 double LinuxPlatform::now() {
@@ -302,6 +339,7 @@ double LinuxPlatform::now() {
 }
 
 void LinuxPlatform::log(std::string_view line) {
+    const auto locked = guard();
     const std::string text(line);
     syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
     if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
@@ -322,7 +360,10 @@ void LinuxPlatform::releaseHandle(HandleKind kind, void* raw) noexcept {
     if (raw == nullptr) return;
     if (kind == HandleKind::element) {
         auto* n = static_cast<Node*>(raw);
-        if (n->refs.fetch_sub(1) == 1) delete n;
+        if (n->refs.fetch_sub(1) == 1) {
+            const auto locked = guard();  // the last reference goes back to libatspi
+            delete n;
+        }
     } else {
         auto* e = static_cast<KeyEvent*>(raw);
         if (e->refs.fetch_sub(1) == 1) delete e;

@@ -7,12 +7,13 @@
 //
 // Element handles hold a `Node`: a small reference-counted record around one
 // AtspiAccessible (which it keeps one GObject reference to). A node remembers
-// the element's role while it lives; nothing else is kept, and a node dies
-// with the last handle that refers to it, so nothing read during an operation
-// outlives it.
+// the element's role and key binding while it lives, and shares the bulk read
+// (`Survey`) of the walk it was reached in; a node dies with the last handle
+// that refers to it, so nothing read during an operation outlives it.
 //
-// No operation throws across the platform interface: failures become the
-// operation's failure value.
+// libatspi and Xlib are used from one thread at a time: every operation holds
+// the backend's lock. No operation throws across the platform interface:
+// failures become the operation's failure value.
 #pragma once
 
 #include <atspi/atspi.h>
@@ -20,11 +21,13 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/survey.h"
 #include "platform/platform.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -45,6 +48,9 @@ struct Node {
     AtspiAccessible* object = nullptr;  // one reference held; the window for a close button
     std::int32_t pid = 0;
     std::optional<AtspiRole> role;  // read once per node
+    // The bulk read of the walk this node was reached in, if any.
+    std::shared_ptr<const Survey> survey;
+    std::optional<std::string> keyBinding;  // read once per node
 
     ~Node();
 };
@@ -100,8 +106,18 @@ public:
     void releaseHandle(HandleKind kind, void* raw) noexcept override;
 
     // Used by the element code (linux_attributes.cpp).
-    Element wrap(AtspiAccessible* object, Node::Kind kind = Node::Kind::accessible);  // adopts `object`
+    Element wrap(AtspiAccessible* object, Node::Kind kind = Node::Kind::accessible,
+                 std::shared_ptr<const Survey> survey = nullptr);  // adopts `object`
     Node* node(const Element& element) const noexcept;
+    // What `node`'s survey knows of it, when the survey is still current.
+    const Survey::Item* surveyed(const Node& node) const;
+    // The survey for a walk from `node`: its own when current, else a new one.
+    const std::shared_ptr<const Survey>& surveyFor(Node& node);
+    // Counts something done on the desktop (an action, a value written, a key
+    // event, an activation, a pause): surveys taken before it are stale.
+    void touch() { ++generation_; }
+    // Held by every operation of the backend.
+    [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() { return std::unique_lock(lock_); }
     X11Session& x11() { return *x11_; }
     // The registered application with process id `pid`, with a reference, or null.
     AtspiAccessible* findApplication(std::int32_t pid);
@@ -114,6 +130,9 @@ private:
 
     std::unique_ptr<X11Session> x11_;
     std::uint16_t heldModifiers_ = 0;  // modifier bits pressed by postEvent
+    std::uint64_t generation_ = 0;     // see touch()
+    // Serialises the backend's use of libatspi and Xlib across threads.
+    std::recursive_mutex lock_;
 };
 
 // ---------------------------------------------------------------------------

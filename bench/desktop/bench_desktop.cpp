@@ -1,0 +1,107 @@
+// Real-desktop benchmarks, run inside a desktop session
+// (scripts/bench-desktop.sh): the menu snapshot of l3afpad and the text of
+// gtk3-widget-factory's window through the C exports, then the same two walks
+// done with pyatspi in the same session, and the ratio of the medians.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "zeblo/zeblo.h"
+
+namespace {
+
+constexpr const char* kMenuApp = "l3afpad";
+constexpr const char* kTextApp = "gtk3-widget-factory";
+constexpr int kPythonRepetitions = 15;
+
+void BM_MenuSnapshot(benchmark::State& state) {
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        const char* json = zeblo_get_app_menus(kMenuApp);
+        bytes = std::string(json).size();
+        zeblo_free_string(json);
+    }
+    state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK(BM_MenuSnapshot)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_WindowText(benchmark::State& state) {
+    std::size_t lines = 0;
+    for (auto _ : state) {
+        const char* json = zeblo_get_window_text(kTextApp, nullptr);
+        lines = nlohmann::json::parse(json, nullptr, false).size();
+        zeblo_free_string(json);
+    }
+    state.counters["lines"] = static_cast<double>(lines);
+}
+BENCHMARK(BM_WindowText)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Prints as the console does and keeps the medians (or single runs) by name.
+class MedianReporter : public benchmark::ConsoleReporter {
+public:
+    std::map<std::string, double> medianMs;
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+            if (median || (run.run_type == Run::RT_Iteration && !medianMs.count(run.run_name.function_name))) {
+                medianMs[run.run_name.function_name] = run.GetAdjustedRealTime();
+            }
+        }
+    }
+};
+
+bool prepare() {
+    for (const char* app : {kMenuApp, kTextApp}) {
+        if (!zeblo_launch_app(app) || !zeblo_wait_for_window(app, nullptr, 0, 20000)) {
+            std::fprintf(stderr, "%s did not start\n", app);
+            return false;
+        }
+    }
+    return true;
+}
+
+nlohmann::json pyatspiMedians(const char* script) {
+    const std::string command = std::string("/usr/bin/python3 ") + script + " " + kMenuApp + " " + kTextApp + " " +
+                                std::to_string(kPythonRepetitions);
+    std::string out;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[4096];
+        std::size_t got = 0;
+        while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, got);
+        pclose(pipe);
+    }
+    return nlohmann::json::parse(out, nullptr, false);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (!prepare()) return 1;
+    MedianReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+
+    const nlohmann::json python = pyatspiMedians(ZEBLO_PYATSPI_WALKS);
+    if (!python.is_object()) {
+        std::fprintf(stderr, "the pyatspi walks failed\n");
+        return 1;
+    }
+    std::printf("\n%-40s %10s %10s %7s\n", "walk (median)", "ZEBLOui", "pyatspi", "ratio");
+    const std::pair<const char*, const char*> rows[] = {{"BM_MenuSnapshot", "menus_ms"}, {"BM_WindowText", "text_ms"}};
+    for (const auto& [ours, theirs] : rows) {
+        const double a = reporter.medianMs[ours];
+        const double b = python.value(theirs, 0.0);
+        std::printf("%-40s %8.2f ms %8.2f ms %6.1fx\n", ours, a, b, a > 0 ? b / a : 0.0);
+    }
+    std::printf("(menus of %s; text of %s's window, %d elements)\n", kMenuApp, kTextApp,
+                python.value("text_elements", 0));
+    return 0;
+}

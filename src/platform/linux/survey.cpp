@@ -1,0 +1,272 @@
+// The bulk read behind a walk: Cache.GetItems on the application and one
+// Collection match under the walk's root.
+#include "platform/linux/survey.h"
+
+#include <dbus/dbus.h>
+
+#include <cstring>
+#include <utility>
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+// The reply of GetItems since AT-SPI 2.34: for every object its reference,
+// its application's and parent's references, index in parent, child count,
+// interfaces, name, role, description and the two words of its state set.
+constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
+constexpr int kReplyTimeoutMs = 5000;
+
+std::string pathOf(AtspiAccessible* object) {
+    const char* path = ATSPI_OBJECT(object)->path;
+    return path != nullptr ? path : "";
+}
+
+const char* busOf(AtspiAccessible* object) {
+    const AtspiObject* o = ATSPI_OBJECT(object);
+    return o->app != nullptr ? o->app->bus_name : nullptr;
+}
+
+// Reads an "(so)" reference at `it` and advances past it; gives the path.
+std::string readReference(DBusMessageIter* it) {
+    DBusMessageIter ref;
+    dbus_message_iter_recurse(it, &ref);
+    dbus_message_iter_next(&ref);  // the bus name
+    const char* path = nullptr;
+    dbus_message_iter_get_basic(&ref, &path);
+    dbus_message_iter_next(it);
+    return path != nullptr ? path : "";
+}
+
+template <class T>
+T readBasic(DBusMessageIter* it) {
+    T value{};
+    dbus_message_iter_get_basic(it, &value);
+    dbus_message_iter_next(it);
+    return value;
+}
+
+std::string readString(DBusMessageIter* it) {
+    const char* text = readBasic<const char*>(it);
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t generation) {
+    if (root == nullptr || busOf(root) == nullptr) return nullptr;
+    std::shared_ptr<Survey> survey(new Survey());
+    survey->generation_ = generation;
+    if (!survey->read(root)) return nullptr;
+    survey->linkChildren(root);
+    return survey;
+}
+
+Survey::~Survey() {
+    for (AtspiAccessible* object : objects_) g_object_unref(object);
+}
+
+bool Survey::read(AtspiAccessible* root) {
+    AtspiApplication* app = ATSPI_OBJECT(root)->app;
+    if (app->bus == nullptr) return false;
+    busName_ = app->bus_name;
+    bus_ = app->bus;
+    DBusMessage* call = dbus_message_new_method_call(app->bus_name, "/org/a11y/atspi/cache",
+                                                     "org.a11y.atspi.Cache", "GetItems");
+    if (call == nullptr) return false;
+    DBusError error;
+    dbus_error_init(&error);
+    DBusMessage* reply = dbus_connection_send_with_reply_and_block(app->bus, call, kReplyTimeoutMs, &error);
+    dbus_message_unref(call);
+    if (reply == nullptr) {
+        dbus_error_free(&error);
+        return false;
+    }
+    const char* signature = dbus_message_get_signature(reply);
+    if (signature == nullptr || std::strcmp(signature, kItemsSignature) != 0) {
+        dbus_message_unref(reply);
+        return false;  // an older or newer layout: the walk reads live
+    }
+    DBusMessageIter it, array;
+    dbus_message_iter_init(reply, &it);
+    dbus_message_iter_recurse(&it, &array);
+    while (dbus_message_iter_get_arg_type(&array) == DBUS_TYPE_STRUCT) {
+        DBusMessageIter field;
+        dbus_message_iter_recurse(&array, &field);
+        std::string path = readReference(&field);
+        readReference(&field);  // the application
+        Item item;
+        item.parentPath = readReference(&field);
+        readBasic<dbus_int32_t>(&field);  // the index in the parent
+
+        item.childCount = readBasic<dbus_int32_t>(&field);
+        DBusMessageIter interfaces;
+        dbus_message_iter_recurse(&field, &interfaces);
+        while (dbus_message_iter_get_arg_type(&interfaces) == DBUS_TYPE_STRING) {
+            if (readString(&interfaces) == "org.a11y.atspi.Action") item.hasAction = true;
+        }
+        dbus_message_iter_next(&field);
+        item.name = readString(&field);
+        item.role = static_cast<AtspiRole>(readBasic<dbus_uint32_t>(&field));
+        item.description = readString(&field);
+        DBusMessageIter states;
+        dbus_message_iter_recurse(&field, &states);
+        for (int word = 0; word < 2 && dbus_message_iter_get_arg_type(&states) == DBUS_TYPE_UINT32; ++word) {
+            item.states |= std::uint64_t{readBasic<dbus_uint32_t>(&states)} << (32 * word);
+        }
+        items_.insert_or_assign(std::move(path), std::move(item));
+        dbus_message_iter_next(&array);
+    }
+    dbus_message_unref(reply);
+    return true;
+}
+
+void Survey::linkChildren(AtspiAccessible* root) {
+    // The objects under the root, by path; the root itself as well.
+    g_object_ref(root);
+    objects_.push_back(root);
+    under_.emplace(pathOf(root), root);
+    if (AtspiCollection* collection = atspi_accessible_get_collection_iface(root)) {
+        AtspiMatchRule* rule = atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
+                                                    ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL,
+                                                    nullptr, ATSPI_Collection_MATCH_ALL, FALSE);
+        GError* error = nullptr;
+        GArray* matches = atspi_collection_get_matches(collection, rule, ATSPI_Collection_SORT_ORDER_CANONICAL, 0,
+                                                       TRUE, &error);
+        if (error != nullptr) g_error_free(error);
+        if (matches != nullptr) {
+            objects_.reserve(matches->len + 1);
+            for (guint i = 0; i < matches->len; ++i) {
+                AtspiAccessible* match = g_array_index(matches, AtspiAccessible*, i);
+                if (match == nullptr) continue;
+                objects_.push_back(match);
+                under_.emplace(pathOf(match), match);
+            }
+            g_array_free(matches, TRUE);
+        }
+        g_object_unref(rule);
+        g_object_unref(collection);
+    }
+
+    // Every item's children, in the match's order: the Collection walks the
+    // tree depth first, so each parent's children come in their own order
+    // (GetItems' index in parent is not reliable: GTK gives -1 for some menu
+    // items).
+    for (AtspiAccessible* object : objects_) {
+        if (object == root) continue;
+        const auto item = items_.find(ATSPI_OBJECT(object)->path);
+        if (item == items_.end()) continue;  // not cached: its parent reads its children live
+        const auto parent = items_.find(item->second.parentPath);
+        if (parent != items_.end()) parent->second.children.push_back(object);
+    }
+
+    // A list is known when it holds as many children as the application
+    // says the element has. Where GetItems gives no count (-1, as for GTK's
+    // menus), the counts are asked for in one batch.
+    std::vector<const std::string*> uncounted;
+    for (auto& [path, item] : items_) {
+        if (item.childCount < 0 && under_.count(path) != 0) uncounted.push_back(&path);
+    }
+    pipeline(uncounted, "org.freedesktop.DBus.Properties", "Get",
+             [](DBusMessage* call) {
+                 const char* interface = "org.a11y.atspi.Accessible";
+                 const char* property = "ChildCount";
+                 return dbus_message_append_args(call, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
+                                                 DBUS_TYPE_INVALID) != 0;
+             },
+             [this](const std::string& path, DBusMessage* reply) {
+                 DBusMessageIter it, variant;
+                 if (!dbus_message_iter_init(reply, &it) || dbus_message_iter_get_arg_type(&it) != DBUS_TYPE_VARIANT)
+                     return;
+                 dbus_message_iter_recurse(&it, &variant);
+                 if (dbus_message_iter_get_arg_type(&variant) == DBUS_TYPE_INT32) {
+                     items_[path].childCount = readBasic<dbus_int32_t>(&variant);
+                 }
+             });
+    for (auto& [path, item] : items_) {
+        item.childrenKnown = under_.count(path) != 0 && item.childCount >= 0 &&
+                             item.children.size() == static_cast<std::size_t>(item.childCount);
+        if (!item.childrenKnown) item.children.clear();
+    }
+}
+
+template <class Build, class Take>
+void Survey::pipeline(const std::vector<const std::string*>& paths, const char* interface, const char* member,
+                      Build build, Take take) const {
+    // Every call is sent before the first answer is awaited, so the batch
+    // costs about one round trip rather than one per path.
+    std::vector<std::pair<const std::string*, DBusPendingCall*>> pending;
+    pending.reserve(paths.size());
+    for (const std::string* path : paths) {
+        DBusMessage* call = dbus_message_new_method_call(busName_.c_str(), path->c_str(), interface, member);
+        if (call == nullptr) continue;
+        DBusPendingCall* answer = nullptr;
+        if (build(call) && dbus_connection_send_with_reply(bus_, call, &answer, kReplyTimeoutMs) && answer != nullptr) {
+            pending.emplace_back(path, answer);
+        }
+        dbus_message_unref(call);
+    }
+    if (pending.empty()) return;
+    dbus_connection_flush(bus_);
+    for (auto& [path, answer] : pending) {
+        dbus_pending_call_block(answer);
+        DBusMessage* reply = dbus_pending_call_steal_reply(answer);
+        dbus_pending_call_unref(answer);
+        if (reply == nullptr) continue;
+        if (dbus_message_get_type(reply) == DBUS_MESSAGE_TYPE_METHOD_RETURN) take(*path, reply);
+        dbus_message_unref(reply);
+    }
+}
+
+const Survey::Item* Survey::find(AtspiAccessible* object) const {
+    if (object == nullptr) return nullptr;
+    const char* bus = busOf(object);
+    if (bus == nullptr || busName_ != bus) return nullptr;
+    const auto found = items_.find(pathOf(object));
+    return found != items_.end() ? &found->second : nullptr;
+}
+
+const std::string* Survey::keyBinding(AtspiAccessible* object) const {
+    const Item* item = find(object);
+    if (item == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
+    if (!keyBindings_) readKeyBindings();
+    const auto found = keyBindings_->find(pathOf(object));
+    return found != keyBindings_->end() ? &found->second : nullptr;
+}
+
+void Survey::readKeyBindings() const {
+    // The first action's binding of every menu item under the root; items
+    // without the Action interface have none.
+    keyBindings_.emplace();
+    std::vector<const std::string*> asked;
+    for (const auto& [path, object] : under_) {
+        const auto item = items_.find(path);
+        if (item == items_.end()) continue;
+        const AtspiRole role = item->second.role;
+        if (role != ATSPI_ROLE_MENU_ITEM && role != ATSPI_ROLE_CHECK_MENU_ITEM && role != ATSPI_ROLE_RADIO_MENU_ITEM)
+            continue;
+        if (item->second.hasAction) {
+            asked.push_back(&path);
+        } else {
+            keyBindings_->emplace(path, std::string());
+        }
+    }
+    pipeline(asked, "org.a11y.atspi.Action", "GetKeyBinding",
+             [](DBusMessage* call) {
+                 const dbus_int32_t index = 0;
+                 return dbus_message_append_args(call, DBUS_TYPE_INT32, &index, DBUS_TYPE_INVALID) != 0;
+             },
+             [this](const std::string& path, DBusMessage* reply) {
+                 const char* binding = nullptr;
+                 if (dbus_message_get_args(reply, nullptr, DBUS_TYPE_STRING, &binding, DBUS_TYPE_INVALID)) {
+                     keyBindings_->emplace(path, binding != nullptr ? binding : "");
+                 }
+             });
+}
+
+const Survey::Item* Survey::parent(const Item& item) const {
+    const auto found = items_.find(item.parentPath);
+    return found != items_.end() ? &found->second : nullptr;
+}
+
+}  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,87 @@
+// A bulk read of one application's accessible objects, taken when a walk
+// over its elements starts, so that the walk does not pay a D-Bus round trip
+// for every role, name, description, state set and child list it reads.
+//
+// Two calls make a survey:
+// - org.a11y.atspi.Cache.GetItems on the application gives, for every object
+//   the application caches, its name, role, description, states, child
+//   count, parent and index in the parent;
+// - one Collection match under the walk's root gives the AtspiAccessible
+//   objects of every descendant, which the walk's element nodes refer to.
+//
+// Element nodes created during the walk share the survey and it dies with the
+// last of them, so nothing read stays after the operation returns. A survey is
+// only trusted while nothing has happened on the desktop since it was taken
+// (see LinuxPlatform::generation). Objects the application does not cache
+// (transient ones such as table cells) and child lists it knows only in part
+// are read live.
+#pragma once
+
+#include <atspi/atspi.h>
+#include <dbus/dbus.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace zeblo::platform::linux_desktop {
+
+class Survey {
+public:
+    struct Item {
+        std::string name;
+        std::string description;
+        AtspiRole role = ATSPI_ROLE_INVALID;
+        std::uint64_t states = 0;  // bit n set: AtspiStateType n
+        std::string parentPath;
+        std::int32_t childCount = 0;  // -1: not given
+        bool hasAction = false;
+        // The children, in order, when every one of them is known; borrowed
+        // from the survey (valid while it lives).
+        std::vector<AtspiAccessible*> children;
+        bool childrenKnown = false;
+    };
+
+    // Surveys the application of `root` and the objects under `root`; null
+    // when the application does not answer the bulk read.
+    static std::shared_ptr<const Survey> take(AtspiAccessible* root, std::uint64_t generation);
+    ~Survey();
+    Survey(const Survey&) = delete;
+    Survey& operator=(const Survey&) = delete;
+
+    // What the survey knows of `object`, or null.
+    const Item* find(AtspiAccessible* object) const;
+    // The item of `item`'s parent, or null.
+    const Item* parent(const Item& item) const;
+    // The key binding of the first action of a menu item under the root ("" for
+    // none), or null when the survey cannot tell. The bindings of all the menu
+    // items under the root are asked for at once, on the first call.
+    const std::string* keyBinding(AtspiAccessible* object) const;
+    std::uint64_t generation() const { return generation_; }
+    std::size_t size() const { return items_.size(); }
+
+private:
+    Survey() = default;
+    bool read(AtspiAccessible* root);
+    void linkChildren(AtspiAccessible* root);
+
+    void readKeyBindings() const;
+    // Calls `member` on every path in one batch; `build` adds the arguments,
+    // `take` reads each successful answer.
+    template <class Build, class Take>
+    void pipeline(const std::vector<const std::string*>& paths, const char* interface, const char* member, Build build,
+                  Take take) const;
+
+    std::uint64_t generation_ = 0;
+    std::string busName_;
+    DBusConnection* bus_ = nullptr;                // the application's, while objects_ hold it
+    std::unordered_map<std::string, Item> items_;  // by object path
+    std::vector<AtspiAccessible*> objects_;         // one reference each: the root and all under it
+    std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
+    mutable std::optional<std::unordered_map<std::string, std::string>> keyBindings_;  // by path
+};
+
+}  // namespace zeblo::platform::linux_desktop
