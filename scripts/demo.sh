@@ -72,3 +72,30 @@ show click-button "Quick Notes" groceries share
 show close-window "Quick Notes" settings 1000
 show window-exists "Quick Notes" "no such window"
 # -- end windows --
+
+# -- real desktop --
+# With a display (and l3afpad, which `scripts/install-deps.sh --desktop`
+# installs), the same tool drives a real application through the Linux
+# backend: no --simulate. Nothing is typed, so the editor closes unasked.
+echo
+echo "== A real desktop =="
+if [ -n "${DISPLAY:-}" ] && command -v l3afpad >/dev/null; then
+  real() {
+    echo_command "$@"
+    build/zeblo "$@" || true
+  }
+  real launch l3afpad
+  real wait-window l3afpad "" 0 20000
+  real frontmost
+  real menu-exists l3afpad Edit "Select All"
+  printf '\n$ zeblo menus l3afpad | head -n 24\n'
+  build/zeblo menus l3afpad | head -n 24
+  real in-text-field
+  real window-text l3afpad ""
+  real close-window l3afpad "" 5000
+  real wait-window l3afpad "" 1 10000
+else
+  echo "(no display or no l3afpad: skipped. In a headless session of its own:"
+  echo "   scripts/install-deps.sh --desktop && scripts/desktop-session.sh scripts/demo.sh)"
+fi
+# -- end real desktop --
