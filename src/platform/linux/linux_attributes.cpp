@@ -340,6 +340,9 @@ std::string axRole(Node& node) {
     }
     if (role == ATSPI_ROLE_COMBO_BOX) {
         // Editable combo boxes hold an entry.
+        if (const auto entry = item != nullptr ? node.survey->hasDescendant(*item, ATSPI_ROLE_TEXT) : std::nullopt) {
+            return *entry ? "AXComboBox" : "AXPopUpButton";
+        }
         AtspiAccessible* entry = findByRole(node.object, ATSPI_ROLE_TEXT);
         if (entry == nullptr) return "AXPopUpButton";
         g_object_unref(entry);

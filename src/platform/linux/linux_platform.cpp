@@ -36,11 +36,9 @@ std::vector<AtspiAccessible*> applications() {
     if (desktop == nullptr) return apps;
     apps = childrenOf(desktop);
     g_object_unref(desktop);
-    for (AtspiAccessible* app : apps) {
-        // What libatspi remembers of earlier calls is dropped: every call
-        // starts from the application's current state.
-        if (app != nullptr) atspi_accessible_clear_cache(app);
-    }
+    // libatspi's cache is not cleared: without its event loop it answers
+    // every read live anyway, and a cleared cache makes it ask for an
+    // object's state set again before nearly every other read.
     return apps;
 }
 

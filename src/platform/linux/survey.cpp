@@ -57,8 +57,9 @@ std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t 
     if (root == nullptr || busOf(root) == nullptr) return nullptr;
     std::shared_ptr<Survey> survey(new Survey());
     survey->generation_ = generation;
-    if (!survey->read(root)) return nullptr;
-    survey->linkChildren(root);
+    // An application that does not answer the bulk read gets an empty
+    // survey: the walk reads live and does not ask again at every level.
+    if (survey->read(root)) survey->linkChildren(root);
     return survey;
 }
 
@@ -262,6 +263,22 @@ void Survey::readKeyBindings() const {
                      keyBindings_->emplace(path, binding != nullptr ? binding : "");
                  }
              });
+}
+
+std::optional<bool> Survey::hasDescendant(const Item& item, AtspiRole role) const {
+    std::vector<const Item*> pending{&item};
+    while (!pending.empty()) {
+        const Item* at = pending.back();
+        pending.pop_back();
+        if (!at->childrenKnown) return std::nullopt;
+        for (AtspiAccessible* child : at->children) {
+            const Item* known = find(child);
+            if (known == nullptr) return std::nullopt;
+            if (known->role == role) return true;
+            pending.push_back(known);
+        }
+    }
+    return false;
 }
 
 const Survey::Item* Survey::parent(const Item& item) const {

@@ -45,8 +45,8 @@ public:
         bool childrenKnown = false;
     };
 
-    // Surveys the application of `root` and the objects under `root`; null
-    // when the application does not answer the bulk read.
+    // Surveys the application of `root` and the objects under `root`. When
+    // the application does not answer the bulk read the survey is empty.
     static std::shared_ptr<const Survey> take(AtspiAccessible* root, std::uint64_t generation);
     ~Survey();
     Survey(const Survey&) = delete;
@@ -56,6 +56,9 @@ public:
     const Item* find(AtspiAccessible* object) const;
     // The item of `item`'s parent, or null.
     const Item* parent(const Item& item) const;
+    // Whether an element with `role` is below `item`; nothing when part of
+    // the subtree is not known.
+    std::optional<bool> hasDescendant(const Item& item, AtspiRole role) const;
     // The key binding of the first action of a menu item under the root ("" for
     // none), or null when the survey cannot tell. The bindings of all the menu
     // items under the root are asked for at once, on the first call.
