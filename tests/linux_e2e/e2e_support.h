@@ -16,6 +16,8 @@
 
 #include <zeblo/zeblo.h>
 
+#include "platform/linux/live_count.h"
+
 namespace e2e {
 
 using nlohmann::json;
@@ -64,11 +66,20 @@ inline bool isRunning(std::string_view app) {
     return false;
 }
 
+// The backend's element nodes, key events and surveys alive: none between calls.
+inline int liveObjects() { return zeblo::platform::linux_desktop::liveObjects(); }
+
 // Whether the tests can reach a desktop at all.
 inline bool desktopAvailable() {
     const char* display = std::getenv("DISPLAY");
     return display != nullptr && *display != '\0';
 }
+
+// Every end-to-end test checks at its end that the backend kept nothing alive.
+class DesktopTest : public ::testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(liveObjects(), 0) << "backend objects left alive"; }
+};
 
 // Whether `app` (and its window) is in front.
 inline bool inFront(const char* app, const char* window) {

@@ -9,7 +9,7 @@ using namespace e2e;
 
 constexpr uint32_t kShift = 1, kCommand = 1 << 3;
 
-class L3afpad : public ::testing::Test {
+class L3afpad : public DesktopTest {
 protected:
     static constexpr const char* kApp = "l3afpad";
 
@@ -69,7 +69,7 @@ TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
     EXPECT_FALSE(zeblo_send_keystroke(kApp, "notakey", kShift));
 }
 
-class WidgetFactory : public ::testing::Test {
+class WidgetFactory : public DesktopTest {
 protected:
     static constexpr const char* kApp = "gtk3-widget-factory";
 

@@ -12,7 +12,7 @@ using namespace e2e;
 constexpr const char* kApp = "zeblo-testapp";
 constexpr const char* kWindow = "Zeblo Test";
 
-class TestApp : public ::testing::Test {
+class TestApp : public DesktopTest {
 protected:
     static void SetUpTestSuite() {
         if (!desktopAvailable()) return;

@@ -27,6 +27,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/live_count.h"
 #include "platform/linux/survey.h"
 #include "platform/platform.h"
 
@@ -51,6 +52,7 @@ struct Node {
     // The bulk read of the walk this node was reached in, if any.
     std::shared_ptr<const Survey> survey;
     std::optional<std::string> keyBinding;  // read once per node
+    Counted counted;
 
     ~Node();
 };
@@ -61,6 +63,7 @@ struct KeyEvent {
     std::uint16_t keyCode = 0;
     bool down = true;
     std::uint64_t flags = 0;
+    Counted counted;
 };
 
 class LinuxPlatform final : public Platform {

@@ -27,6 +27,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/linux/live_count.h"
+
 namespace zeblo::platform::linux_desktop {
 
 class Survey {
@@ -85,6 +87,7 @@ private:
     std::vector<AtspiAccessible*> objects_;         // one reference each: the root and all under it
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
     mutable std::optional<std::unordered_map<std::string, std::string>> keyBindings_;  // by path
+    Counted counted_;
 };
 
 }  // namespace zeblo::platform::linux_desktop
