@@ -143,6 +143,9 @@ TEST_F(TestApp, WindowTextShowsLabelsAndValues) {
     EXPECT_NE(text.find("[AXCheckBox Title] Remember Me"), std::string::npos) << text;
     EXPECT_NE(text.find("[AXPopUpButton] Red"), std::string::npos) << text;
     EXPECT_NE(text.find("[AXButton Title] Press Me"), std::string::npos) << text;
+    // The password field shows one bullet per character, never the password.
+    EXPECT_NE(text.find("[AXSecureTextField] \u2022\u2022\u2022\u2022\u2022\u2022\u2022\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("hunter2"), std::string::npos) << text;
 }
 
 TEST_F(TestApp, TypingAndDirectEntryReachTheFocusedField) {

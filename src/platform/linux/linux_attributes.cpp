@@ -409,6 +409,13 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
         if (isTextRole(role)) {
             auto text = textContents(object);
             if (!text) return {kAXErrorCannotComplete, {}};
+            if (role == ATSPI_ROLE_PASSWORD_TEXT) {
+                // A password is never read back, whatever the toolkit
+                // exposes: one bullet per character shown.
+                std::string bullets;
+                for (std::size_t i = 0, n = text::graphemes(*text).size(); i < n; ++i) bullets += "\xE2\x80\xA2";
+                return ok(std::move(bullets));
+            }
             return ok(std::move(*text));
         }
         if (role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) {
