@@ -3,6 +3,7 @@
 // gtk3-widget-factory's window through the C exports, then the same two walks
 // done with pyatspi in the same session, and the ratio of the medians.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <map>
@@ -44,6 +45,9 @@ BENCHMARK(BM_WindowText)->Unit(benchmark::kMillisecond)->UseRealTime();
 // Prints as the console does and keeps the medians (or single runs) by name.
 class MedianReporter : public benchmark::ConsoleReporter {
 public:
+    // Colours only on a terminal.
+    MedianReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_Defaults : OO_Tabular) {}
+
     std::map<std::string, double> medianMs;
 
     void ReportRuns(const std::vector<Run>& runs) override {
