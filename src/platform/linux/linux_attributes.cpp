@@ -204,10 +204,10 @@ std::vector<AtspiAccessible*> windowsOf(AtspiAccessible* app) {
     return out;
 }
 
-// The application's focused window: the one in the active state, else the
-// one whose title the window manager reports as active.
-AtspiAccessible* focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
-    std::vector<AtspiAccessible*> windows = windowsOf(app);
+// Among `app`'s `windows`, the focused one: the one in the active state, else
+// the one whose title the window manager reports as active. Borrowed; null
+// when there is none.
+AtspiAccessible* focusedAmong(LinuxPlatform& p, AtspiAccessible* app, const std::vector<AtspiAccessible*>& windows) {
     AtspiAccessible* found = nullptr;
     for (AtspiAccessible* w : windows) {
         if (found == nullptr && hasState(w, ATSPI_STATE_ACTIVE)) found = w;
@@ -223,6 +223,13 @@ AtspiAccessible* focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
             }
         }
     }
+    return found;
+}
+
+// The application's focused window, with a reference, or null.
+AtspiAccessible* focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
+    std::vector<AtspiAccessible*> windows = windowsOf(app);
+    AtspiAccessible* found = focusedAmong(p, app, windows);
     for (AtspiAccessible* w : windows) {
         if (w != found) g_object_unref(w);
     }
@@ -466,9 +473,9 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
         }
         if (attribute == "AXMenuBar") {
             // The menu bar of the focused window, else of the first window with one.
-            std::vector<AtspiAccessible*> windows;
-            if (AtspiAccessible* focused = focusedWindowOf(*this, object)) windows.push_back(focused);
-            for (AtspiAccessible* w : windowsOf(object)) windows.push_back(w);
+            std::vector<AtspiAccessible*> windows = windowsOf(object);
+            AtspiAccessible* focused = focusedAmong(*this, object, windows);
+            std::stable_partition(windows.begin(), windows.end(), [&](AtspiAccessible* w) { return w == focused; });
             AtspiAccessible* bar = nullptr;
             for (AtspiAccessible* w : windows) {
                 if (bar == nullptr) bar = findByRole(w, ATSPI_ROLE_MENU_BAR);

@@ -33,6 +33,18 @@ std::vector<unsigned long> longProperty(Display* display, Window window, Atom pr
 
 int ignoreErrors(Display*, XErrorEvent*) { return 0; }
 
+// A 32-bit client message of `type` about `window` with two data words.
+XEvent clientMessage(Window window, Atom type, long first, long second) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = type;
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = first;
+    event.xclient.data.l[1] = second;
+    return event;
+}
+
 }  // namespace
 
 std::unique_ptr<X11Session> X11Session::open() {
@@ -105,13 +117,8 @@ std::vector<Window> X11Session::windowsOf(std::int32_t pid) {
 }
 
 bool X11Session::activate(Window window) {
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = window;
-    event.xclient.message_type = atom("_NET_ACTIVE_WINDOW");
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = 2;  // the request comes from a pager-like tool
-    event.xclient.data.l[1] = CurrentTime;
+    // Source 2: the request comes from a pager-like tool.
+    XEvent event = clientMessage(window, atom("_NET_ACTIVE_WINDOW"), 2, CurrentTime);
     const Status sent = XSendEvent(display_, DefaultRootWindow(display_), False,
                                    SubstructureRedirectMask | SubstructureNotifyMask, &event);
     XRaiseWindow(display_, window);
@@ -137,13 +144,8 @@ bool X11Session::refreshFocus() {
 }
 
 bool X11Session::requestClose(Window window) {
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = window;
-    event.xclient.message_type = atom("WM_PROTOCOLS");
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long>(atom("WM_DELETE_WINDOW"));
-    event.xclient.data.l[1] = CurrentTime;
+    XEvent event =
+        clientMessage(window, atom("WM_PROTOCOLS"), static_cast<long>(atom("WM_DELETE_WINDOW")), CurrentTime);
     const Status sent = XSendEvent(display_, window, False, NoEventMask, &event);
     XSync(display_, False);
     return sent != 0;
