@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -82,39 +83,16 @@ bool spawnDetached(const std::vector<std::string>& args) {
     std::vector<char*> argv;
     for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
-    int report[2];
-    if (pipe2(report, O_CLOEXEC) != 0) return false;
-    const pid_t child = fork();
-    if (child < 0) {
-        close(report[0]);
-        close(report[1]);
-        return false;
-    }
-    if (child == 0) {
-        setsid();
-        if (fork() == 0) {
-            const int devNull = open("/dev/null", O_RDWR);
-            if (devNull >= 0) {
-                dup2(devNull, 0);
-                dup2(devNull, 1);
-                dup2(devNull, 2);
-            }
-            dup2(report[1], 3);
-            fcntl(3, F_SETFD, FD_CLOEXEC);
-            close_range(4, ~0U, 0);
-            execvp(argv[0], argv.data());
-            const int err = errno;
-            (void)!write(3, &err, sizeof err);
-            _exit(127);
-        }
-        _exit(0);
-    }
-    close(report[1]);
-    int status = 0;
-    waitpid(child, &status, 0);
+    const int report = startDetached([&](int reportFd) {
+        execvp(argv[0], argv.data());
+        const int err = errno;
+        (void)!write(reportFd, &err, sizeof err);
+        _exit(127);
+    });
+    if (report < 0) return false;
     int err = 0;
-    const ssize_t got = read(report[0], &err, sizeof err);  // EOF: exec succeeded
-    close(report[0]);
+    const ssize_t got = read(report, &err, sizeof err);  // EOF: exec succeeded
+    close(report);
     return got == 0;
 }
 

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -183,38 +184,22 @@ std::optional<std::string> X11Session::readText(double timeoutSeconds) {
 }
 
 bool X11Session::handToHolder(Pairs pairs) {
-    int ready[2];
-    if (pipe2(ready, O_CLOEXEC) != 0) return false;
-    const pid_t child = fork();
-    if (child < 0) {
-        close(ready[0]);
-        close(ready[1]);
-        return false;
-    }
-    if (child == 0) {
-        // The intermediate child: a new session, and a grandchild that the
-        // init process adopts, so that nobody has to wait for the holder.
-        setsid();
-        if (fork() == 0) runClipboardHolder(std::move(pairs), ready[1]);
-        _exit(0);
-    }
-    close(ready[1]);
-    int status = 0;
-    waitpid(child, &status, 0);
+    const int ready = startDetached([&](int readyFd) { runClipboardHolder(std::move(pairs), readyFd); });
+    if (ready < 0) return false;
     // The holder writes one byte once it owns CLIPBOARD; meanwhile keep
     // answering requests that are still addressed to us.
     bool ok = false;
     const double deadline = seconds() + 2.0;
     while (!ok && seconds() < deadline) {
-        pollfd fd{ready[0], POLLIN, 0};
+        pollfd fd{ready, POLLIN, 0};
         if (poll(&fd, 1, 10) > 0) {
             char byte = 0;
-            ok = read(ready[0], &byte, 1) == 1;
+            ok = read(ready, &byte, 1) == 1;
             break;
         }
         serve(0);
     }
-    close(ready[0]);
+    close(ready);
     serve(0);
     if (ok) {
         owner_ = false;
@@ -224,18 +209,6 @@ bool X11Session::handToHolder(Pairs pairs) {
 }
 
 void runClipboardHolder(Pairs pairs, int readyFd) {
-    // Nothing inherited may stay open: a caller reading our parent's output
-    // would otherwise wait for the holder too.
-    const int devNull = open("/dev/null", O_RDWR);
-    if (devNull >= 0) {
-        dup2(devNull, 0);
-        dup2(devNull, 1);
-        dup2(devNull, 2);
-    }
-    dup2(readyFd, 3);
-    close_range(4, ~0U, 0);
-    readyFd = 3;
-
     Display* display = XOpenDisplay(nullptr);
     if (display == nullptr) _exit(1);
     const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);

@@ -70,7 +70,8 @@ private:
 };
 
 // Serves `pairs` on CLIPBOARD from a new connection until the selection is
-// taken by someone else; used in the holder process.
+// taken by someone else; the body of the holder process (see detach.h). One
+// byte on `readyFd` says it owns CLIPBOARD.
 [[noreturn]] void runClipboardHolder(std::vector<std::pair<std::string, std::string>> pairs, int readyFd);
 
 }  // namespace zeblo::platform::linux_desktop
