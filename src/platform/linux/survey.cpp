@@ -99,7 +99,6 @@ bool Survey::read(AtspiAccessible* root) {
         Item item;
         item.parentPath = readReference(&field);
         readBasic<dbus_int32_t>(&field);  // the index in the parent
-
         item.childCount = readBasic<dbus_int32_t>(&field);
         DBusMessageIter interfaces;
         dbus_message_iter_recurse(&field, &interfaces);
