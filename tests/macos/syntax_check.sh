@@ -33,30 +33,31 @@ fail() {
 scratch="$(mktemp -d)"
 trap 'rm -rf "$scratch"' EXIT
 
-must_reject() {  # name, code
-  local name="$1" file="$scratch/$1.mm"
+# Compiles the snippet `code` after the backend's header; its output goes to
+# $scratch/NAME.out.
+compiles() {  # name, code
+  local file="$scratch/$1.mm"
   {
     echo '#include "platform/macos/mac_platform.h"'
     echo "$2"
   } > "$file"
-  if "$cxx" "${flags[@]}" "$file" > "$scratch/$name.out" 2>&1; then
-    fail "the deliberate mistake '$name' was accepted"
+  "$cxx" "${flags[@]}" "$file" > "$scratch/$1.out" 2>&1
+}
+
+must_reject() {  # name, code
+  if compiles "$1" "$2"; then
+    fail "the deliberate mistake '$1' was accepted"
   else
-    echo "ok: rejects $name"
+    echo "ok: rejects $1"
   fi
 }
 
 must_accept() {  # name, code
-  local name="$1" file="$scratch/$1.mm"
-  {
-    echo '#include "platform/macos/mac_platform.h"'
-    echo "$2"
-  } > "$file"
-  if "$cxx" "${flags[@]}" "$file" > "$scratch/$name.out" 2>&1; then
-    echo "ok: accepts $name"
+  if compiles "$1" "$2"; then
+    echo "ok: accepts $1"
   else
-    fail "the correct snippet '$name' was rejected:"
-    cat "$scratch/$name.out"
+    fail "the correct snippet '$1' was rejected:"
+    cat "$scratch/$1.out"
   fi
 }
 
