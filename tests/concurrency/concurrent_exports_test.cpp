@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <thread>
@@ -118,7 +119,10 @@ std::vector<std::pair<std::string, Call>> everyExport() {
         {"is_in_text_field", [] { return flag(zeblo_is_in_text_field()); }},
         {"window_exists", [] { return flag(zeblo_window_exists("Quick Notes", "Preferences")); }},
         {"get_window_titles", [] { return owned(zeblo_get_window_titles("quick notes")); }},
-        {"wait_for_window", [] { return flag(zeblo_wait_for_window("Quick Notes", "Notes", 2, 300)); }},
+        // The simulated clock is shared: every other thread's pauses advance
+        // it, so a short limit could run out before the first check. The
+        // longest limit keeps the answer the one of that first check.
+        {"wait_for_window", [] { return flag(zeblo_wait_for_window("Quick Notes", "Notes", 2, INT32_MAX)); }},
         {"wait_for_window bad condition", [] { return flag(zeblo_wait_for_window("", "", 7, 300)); }},
         {"close_window", [] { return flag(zeblo_close_window("Quick Notes", "Notes", -1)); }},
         {"free_string", [] { zeblo_free_string(nullptr); return std::string("done"); }},
