@@ -49,7 +49,11 @@ export DISPLAY=":$(head -n1 "$tmp/display")"
 matchbox-window-manager -use_titlebar no >"$tmp/wm.log" 2>&1 &
 
 # The session bus; at-spi-bus-launcher and registryd are activated on first
-# use. Its own messages (activations) are of no interest to the caller.
+# use. What the bus and the services it starts print is of no interest to the
+# caller: their output goes to a log, CMD's own to this script's (held on
+# descriptor 3 on the way in), and the bus's activation notes are filtered
+# out of the shared error stream.
 status=0
-dbus-run-session -- "$@" 2> >(grep -v -e '^dbus-daemon\[' -e '^SpiRegistry daemon' >&2) || status=$?
+dbus-run-session -- bash -c 'exec "$@" 1>&3 3>&-' cmd "$@" 3>&1 >"$tmp/bus.log" \
+  2> >(grep -v -e '^dbus-daemon\[' -e '^SpiRegistry daemon' >&2) || status=$?
 exit "$status"
