@@ -49,11 +49,14 @@ export DISPLAY=":$(head -n1 "$tmp/display")"
 matchbox-window-manager -use_titlebar no >"$tmp/wm.log" 2>&1 &
 
 # The session bus; at-spi-bus-launcher and registryd are activated on first
-# use. What the bus and the services it starts print is of no interest to the
-# caller: their output goes to a log, CMD's own to this script's (held on
-# descriptor 3 on the way in), and the bus's activation notes are filtered
-# out of the shared error stream.
+# use. The bus and the services it starts write to a log, which is shown only
+# when CMD fails; CMD gets this script's own output and error streams (held
+# on descriptors 3 and 4 on the way in), so nothing stands between CMD and
+# its caller.
 status=0
-dbus-run-session -- bash -c 'exec "$@" 1>&3 3>&-' cmd "$@" 3>&1 >"$tmp/bus.log" \
-  2> >(grep -v -e '^dbus-daemon\[' -e '^SpiRegistry daemon' >&2) || status=$?
+dbus-run-session -- bash -c 'exec "$@" 1>&3 2>&4 3>&- 4>&-' cmd "$@" 3>&1 4>&2 >"$tmp/bus.log" 2>&1 || status=$?
+if [ "$status" -ne 0 ] && grep -qv -e '^dbus-daemon\[' -e '^SpiRegistry daemon' "$tmp/bus.log"; then
+  echo "-- the session's own log:" >&2
+  grep -v -e '^dbus-daemon\[' -e '^SpiRegistry daemon' "$tmp/bus.log" >&2
+fi
 exit "$status"
