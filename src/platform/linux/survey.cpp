@@ -7,6 +7,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/linux/bus_batch.h"
+
 namespace zeblo::platform::linux_desktop {
 
 namespace {
@@ -167,54 +169,20 @@ void Survey::linkChildren(AtspiAccessible* root) {
     for (auto& [path, item] : items_) {
         if (item.childCount < 0 && under_.count(path) != 0) uncounted.push_back(&path);
     }
-    pipeline(uncounted, "org.freedesktop.DBus.Properties", "Get",
-             [](DBusMessage* call) {
-                 const char* interface = "org.a11y.atspi.Accessible";
-                 const char* property = "ChildCount";
-                 return dbus_message_append_args(call, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
-                                                 DBUS_TYPE_INVALID) != 0;
-             },
-             [this](const std::string& path, DBusMessage* reply) {
-                 DBusMessageIter it, variant;
-                 if (!dbus_message_iter_init(reply, &it) || dbus_message_iter_get_arg_type(&it) != DBUS_TYPE_VARIANT)
-                     return;
-                 dbus_message_iter_recurse(&it, &variant);
-                 if (dbus_message_iter_get_arg_type(&variant) == DBUS_TYPE_INT32) {
-                     items_[path].childCount = readBasic<dbus_int32_t>(&variant);
-                 }
-             });
+    std::vector<Message> calls;
+    calls.reserve(uncounted.size());
+    for (const std::string* path : uncounted) {
+        calls.push_back(propertyCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Accessible", "ChildCount"));
+    }
+    const std::vector<Message> counts = callAll(bus_, calls);
+    for (std::size_t i = 0; i < uncounted.size(); ++i) {
+        dbus_int32_t count = 0;
+        if (int32Answer(counts[i], &count)) items_[*uncounted[i]].childCount = count;
+    }
     for (auto& [path, item] : items_) {
         item.childrenKnown = under_.count(path) != 0 && item.childCount >= 0 &&
                              item.children.size() == static_cast<std::size_t>(item.childCount);
         if (!item.childrenKnown) item.children.clear();
-    }
-}
-
-template <class Build, class Take>
-void Survey::pipeline(const std::vector<const std::string*>& paths, const char* interface, const char* member,
-                      Build build, Take take) const {
-    // Every call is sent before the first answer is awaited, so the batch
-    // costs about one round trip rather than one per path.
-    std::vector<std::pair<const std::string*, DBusPendingCall*>> pending;
-    pending.reserve(paths.size());
-    for (const std::string* path : paths) {
-        DBusMessage* call = dbus_message_new_method_call(busName_.c_str(), path->c_str(), interface, member);
-        if (call == nullptr) continue;
-        DBusPendingCall* answer = nullptr;
-        if (build(call) && dbus_connection_send_with_reply(bus_, call, &answer, kReplyTimeoutMs) && answer != nullptr) {
-            pending.emplace_back(path, answer);
-        }
-        dbus_message_unref(call);
-    }
-    if (pending.empty()) return;
-    dbus_connection_flush(bus_);
-    for (auto& [path, answer] : pending) {
-        dbus_pending_call_block(answer);
-        DBusMessage* reply = dbus_pending_call_steal_reply(answer);
-        dbus_pending_call_unref(answer);
-        if (reply == nullptr) continue;
-        if (dbus_message_get_type(reply) == DBUS_MESSAGE_TYPE_METHOD_RETURN) take(*path, reply);
-        dbus_message_unref(reply);
     }
 }
 
@@ -251,17 +219,18 @@ void Survey::readKeyBindings() const {
             keyBindings_->emplace(path, std::string());
         }
     }
-    pipeline(asked, "org.a11y.atspi.Action", "GetKeyBinding",
-             [](DBusMessage* call) {
-                 const dbus_int32_t index = 0;
-                 return dbus_message_append_args(call, DBUS_TYPE_INT32, &index, DBUS_TYPE_INVALID) != 0;
-             },
-             [this](const std::string& path, DBusMessage* reply) {
-                 const char* binding = nullptr;
-                 if (dbus_message_get_args(reply, nullptr, DBUS_TYPE_STRING, &binding, DBUS_TYPE_INVALID)) {
-                     keyBindings_->emplace(path, binding != nullptr ? binding : "");
-                 }
-             });
+    std::vector<Message> calls;
+    calls.reserve(asked.size());
+    const dbus_int32_t first = 0;
+    for (const std::string* path : asked) {
+        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Action", "GetKeyBinding");
+        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &first, DBUS_TYPE_INVALID)) call.reset();
+        calls.push_back(std::move(call));
+    }
+    const std::vector<Message> bindings = callAll(bus_, calls);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (const char* binding = stringAnswer(bindings[i])) keyBindings_->emplace(*asked[i], binding);
+    }
 }
 
 std::optional<bool> Survey::hasDescendant(const Item& item, AtspiRole role) const {

@@ -74,11 +74,6 @@ private:
     void linkChildren(AtspiAccessible* root);
 
     void readKeyBindings() const;
-    // Calls `member` on every path in one batch; `build` adds the arguments,
-    // `take` reads each successful answer.
-    template <class Build, class Take>
-    void pipeline(const std::vector<const std::string*>& paths, const char* interface, const char* member, Build build,
-                  Take take) const;
 
     std::uint64_t generation_ = 0;
     std::string busName_;

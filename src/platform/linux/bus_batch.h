@@ -1,0 +1,34 @@
+// D-Bus calls sent together: every call of a batch is sent before the first
+// answer is awaited, so a batch costs about one round trip, not one per call.
+#pragma once
+
+#include <dbus/dbus.h>
+
+#include <memory>
+#include <vector>
+
+namespace zeblo::platform::linux_desktop {
+
+struct MessageUnref {
+    void operator()(DBusMessage* message) const noexcept { dbus_message_unref(message); }
+};
+using Message = std::unique_ptr<DBusMessage, MessageUnref>;
+
+// A method call, or null when it cannot be made.
+Message methodCall(const char* destination, const char* path, const char* interface, const char* member);
+
+// A Properties.Get call for `property` of `interface` on `path`.
+Message propertyCall(const char* destination, const char* path, const char* interface, const char* property);
+
+// Sends `calls` on `bus` and waits for all the answers. The answers stand in
+// the order of the calls; an answer is null where the call was null, could
+// not be sent, failed or timed out.
+std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& calls);
+
+// The first argument of a successful answer, when it has the given basic
+// type (or is a variant holding it); null otherwise.
+const char* stringAnswer(const Message& answer);
+bool int32Answer(const Message& answer, dbus_int32_t* value);
+bool uint32Answer(const Message& answer, dbus_uint32_t* value);
+
+}  // namespace zeblo::platform::linux_desktop
