@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "platform/linux/app_list.h"
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
 
@@ -28,29 +29,6 @@ bool sessionBusReachable() {
     if (runtime == nullptr) return false;
     struct stat st{};
     return stat((std::string(runtime) + "/bus").c_str(), &st) == 0;
-}
-
-// The applications registered on the accessibility bus, each with a reference.
-std::vector<AtspiAccessible*> applications() {
-    std::vector<AtspiAccessible*> apps;
-    AtspiAccessible* desktop = atspi_get_desktop(0);
-    if (desktop == nullptr) return apps;
-    apps = childrenOf(desktop);
-    g_object_unref(desktop);
-    // libatspi's cache is not cleared: without its event loop it answers
-    // every read live anyway, and a cleared cache makes it ask for an
-    // object's state set again before nearly every other read.
-    return apps;
-}
-
-std::int32_t pidOf(AtspiAccessible* app) {
-    GError* error = nullptr;
-    const guint pid = atspi_accessible_get_process_id(app, &error);
-    if (error != nullptr) {
-        g_error_free(error);
-        return 0;
-    }
-    return static_cast<std::int32_t>(pid);
 }
 
 // The command of a desktop entry named `name` (its file name without
@@ -153,16 +131,11 @@ void LinuxPlatform::drainEvents() {
 
 AtspiAccessible* LinuxPlatform::findApplication(std::int32_t pid) {
     drainEvents();
-    AtspiAccessible* found = nullptr;
-    for (AtspiAccessible* app : applications()) {
-        if (app == nullptr) continue;
-        if (found == nullptr && pidOf(app) == pid) {
-            found = app;
-        } else {
-            g_object_unref(app);
-        }
+    const std::vector<ListedApp> apps = listApplications(false);
+    for (std::size_t i = 0; i < apps.size(); ++i) {
+        if (apps[i].pid == pid) return applicationObject(apps[i], i);
     }
-    return found;
+    return nullptr;
 }
 
 Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
@@ -201,21 +174,12 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
     const auto locked = guard();
     drainEvents();
     std::vector<RunningApp> out;
-    for (AtspiAccessible* app : applications()) {
-        if (app == nullptr) continue;
+    for (ListedApp& app : listApplications(true)) {
+        if (app.pid == 0 || !app.name) continue;  // gone meanwhile
         RunningApp r;
-        r.pid = pidOf(app);
-        GError* error = nullptr;
-        std::string name = takeText(atspi_accessible_get_name(app, &error));
-        const int windows = error == nullptr ? atspi_accessible_get_child_count(app, &error) : 0;
-        g_object_unref(app);
-        if (error != nullptr) {
-            g_error_free(error);
-            continue;  // gone meanwhile
-        }
-        if (r.pid == 0) continue;
-        if (!name.empty()) r.localizedName = std::move(name);
-        r.activationPolicy = windows > 0 ? 0 : 1;  // no window: a background helper
+        r.pid = app.pid;
+        if (!app.name->empty()) r.localizedName = std::move(*app.name);
+        r.activationPolicy = app.childCount > 0 ? 0 : 1;  // no window: a background helper
         out.push_back(std::move(r));
     }
     return out;

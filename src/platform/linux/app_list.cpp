@@ -1,0 +1,114 @@
+// The registry's application list and the batch that completes it.
+#include "platform/linux/app_list.h"
+
+#include <cstring>
+
+#include "platform/linux/bus_batch.h"
+#include "platform/linux/linux_platform.h"
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
+
+const char* busNameOf(AtspiAccessible* object) {
+    const AtspiObject* o = ATSPI_OBJECT(object);
+    return o->app != nullptr ? o->app->bus_name : nullptr;
+}
+
+// The "(so)" references of an "a(so)" answer.
+std::vector<ListedApp> readReferences(const Message& answer) {
+    std::vector<ListedApp> out;
+    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN ||
+        std::strcmp(dbus_message_get_signature(answer.get()), "a(so)") != 0) {
+        return out;
+    }
+    DBusMessageIter it, array, reference;
+    dbus_message_iter_init(answer.get(), &it);
+    dbus_message_iter_recurse(&it, &array);
+    for (; dbus_message_iter_get_arg_type(&array) == DBUS_TYPE_STRUCT; dbus_message_iter_next(&array)) {
+        const char* bus = nullptr;
+        const char* path = nullptr;
+        dbus_message_iter_recurse(&array, &reference);
+        dbus_message_iter_get_basic(&reference, &bus);
+        dbus_message_iter_next(&reference);
+        dbus_message_iter_get_basic(&reference, &path);
+        ListedApp app;
+        app.busName = bus != nullptr ? bus : "";
+        app.path = path != nullptr ? path : "";
+        out.push_back(std::move(app));
+    }
+    return out;
+}
+
+}  // namespace
+
+std::vector<ListedApp> listApplications(bool withNames) {
+    AtspiAccessible* desktop = atspi_get_desktop(0);
+    if (desktop == nullptr) return {};
+    const AtspiObject* registry = ATSPI_OBJECT(desktop);
+    DBusConnection* bus = registry->app != nullptr ? registry->app->bus : nullptr;
+    std::vector<Message> listCall;
+    listCall.push_back(methodCall(busNameOf(desktop), registry->path, kAccessible, "GetChildren"));
+    std::vector<ListedApp> apps = readReferences(callAll(bus, listCall).front());
+    g_object_unref(desktop);
+    if (apps.empty()) return apps;
+
+    // Up to three calls an application: its connection's process, its name
+    // and its child count.
+    const std::size_t perApp = withNames ? 3 : 1;
+    std::vector<Message> calls;
+    calls.reserve(apps.size() * perApp);
+    for (const ListedApp& app : apps) {
+        Message pid = methodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                 "GetConnectionUnixProcessID");
+        const char* name = app.busName.c_str();
+        if (pid && !dbus_message_append_args(pid.get(), DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID)) pid.reset();
+        calls.push_back(std::move(pid));
+        if (!withNames) continue;
+        calls.push_back(propertyCall(name, app.path.c_str(), kAccessible, "Name"));
+        calls.push_back(propertyCall(name, app.path.c_str(), kAccessible, "ChildCount"));
+    }
+    const std::vector<Message> answers = callAll(bus, calls);
+    for (std::size_t i = 0; i < apps.size(); ++i) {
+        const Message* answer = &answers[perApp * i];
+        dbus_uint32_t pid = 0;
+        if (uint32Answer(answer[0], &pid)) apps[i].pid = static_cast<std::int32_t>(pid);
+        if (!withNames) continue;
+        const char* name = stringAnswer(answer[1]);
+        dbus_int32_t count = 0;
+        if (name != nullptr && int32Answer(answer[2], &count)) {
+            apps[i].name = std::string(name);  // D-Bus strings are valid UTF-8
+            apps[i].childCount = count;
+        }
+    }
+    return apps;
+}
+
+AtspiAccessible* applicationObject(const ListedApp& listed, std::size_t index) {
+    AtspiAccessible* desktop = atspi_get_desktop(0);
+    if (desktop == nullptr) return nullptr;
+    // Where it stood a moment ago, normally; otherwise wherever it stands now.
+    AtspiAccessible* found = nullptr;
+    GError* error = nullptr;
+    AtspiAccessible* at = atspi_accessible_get_child_at_index(desktop, static_cast<gint>(index), &error);
+    if (error != nullptr) g_error_free(error);
+    if (at != nullptr && busNameOf(at) != nullptr && listed.busName == busNameOf(at)) {
+        found = at;
+    } else {
+        if (at != nullptr) g_object_unref(at);
+        for (AtspiAccessible* app : childrenOf(desktop)) {
+            if (app == nullptr) continue;
+            if (found == nullptr && busNameOf(app) != nullptr && listed.busName == busNameOf(app)) {
+                found = app;
+            } else {
+                g_object_unref(app);
+            }
+        }
+    }
+    g_object_unref(desktop);
+    return found;
+}
+
+}  // namespace zeblo::platform::linux_desktop
