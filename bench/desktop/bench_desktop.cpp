@@ -1,8 +1,11 @@
 // Real-desktop benchmarks, run inside a desktop session
 // (scripts/bench-desktop.sh): the menu snapshot of l3afpad and the text of
 // gtk3-widget-factory's window through the C exports, then the same two walks
-// done with pyatspi in the same session, and the ratio of the medians.
+// done with pyatspi in the same session, and the ratio of the medians; last,
+// the cost of finding an application among many.
 #include <benchmark/benchmark.h>
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -41,6 +44,53 @@ void BM_WindowText(benchmark::State& state) {
     state.counters["lines"] = static_cast<double>(lines);
 }
 BENCHMARK(BM_WindowText)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Other applications on the desktop, started on demand and ended at exit.
+std::vector<pid_t> g_crowd;
+
+bool growCrowd(std::size_t size) {
+    constexpr const char* kCrowdApp = "gtk3-demo";
+    while (g_crowd.size() < size) {
+        const pid_t pid = fork();
+        if (pid < 0) return false;
+        if (pid == 0) {
+            execlp(kCrowdApp, kCrowdApp, static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        g_crowd.push_back(pid);
+    }
+    // Every one of them registered: they all answer to the same name.
+    for (int attempt = 0; attempt < 400; ++attempt) {
+        const char* json = zeblo_get_running_apps();
+        const auto names = nlohmann::json::parse(json, nullptr, false);
+        zeblo_free_string(json);
+        std::size_t seen = 0;
+        for (const auto& name : names) seen += name == kCrowdApp ? 1 : 0;
+        if (seen >= size) return true;
+        usleep(50 * 1000);
+    }
+    return false;
+}
+
+void endCrowd() {
+    for (const pid_t pid : g_crowd) kill(pid, SIGTERM);
+    for (const pid_t pid : g_crowd) waitpid(pid, nullptr, 0);
+    g_crowd.clear();
+}
+
+// One lookup (application, then its first window) with `range(0)` other
+// applications running: the part of every operation that grows with the
+// number of applications on the desktop.
+void BM_LookupAmongApps(benchmark::State& state) {
+    if (!growCrowd(static_cast<std::size_t>(state.range(0)))) {
+        state.SkipWithError("the other applications did not start");
+        return;
+    }
+    for (auto _ : state) {
+        if (!zeblo_window_exists(kMenuApp, nullptr)) state.SkipWithError("no window");
+    }
+}
+BENCHMARK(BM_LookupAmongApps)->Arg(0)->Arg(8)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // Prints as the console does and keeps the medians (or single runs) by name.
 class MedianReporter : public benchmark::ConsoleReporter {
@@ -92,6 +142,7 @@ int main(int argc, char** argv) {
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
+    endCrowd();
 
     const nlohmann::json python = pyatspiMedians(ZEBLO_PYATSPI_WALKS);
     if (!python.is_object()) {
