@@ -1,8 +1,6 @@
 // The registry's application list and the batch that completes it.
 #include "platform/linux/app_list.h"
 
-#include <cstring>
-
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/linux_platform.h"
 
@@ -17,31 +15,6 @@ const char* busNameOf(AtspiAccessible* object) {
     return o->app != nullptr ? o->app->bus_name : nullptr;
 }
 
-// The "(so)" references of an "a(so)" answer.
-std::vector<ListedApp> readReferences(const Message& answer) {
-    std::vector<ListedApp> out;
-    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN ||
-        std::strcmp(dbus_message_get_signature(answer.get()), "a(so)") != 0) {
-        return out;
-    }
-    DBusMessageIter it, array, reference;
-    dbus_message_iter_init(answer.get(), &it);
-    dbus_message_iter_recurse(&it, &array);
-    for (; dbus_message_iter_get_arg_type(&array) == DBUS_TYPE_STRUCT; dbus_message_iter_next(&array)) {
-        const char* bus = nullptr;
-        const char* path = nullptr;
-        dbus_message_iter_recurse(&array, &reference);
-        dbus_message_iter_get_basic(&reference, &bus);
-        dbus_message_iter_next(&reference);
-        dbus_message_iter_get_basic(&reference, &path);
-        ListedApp app;
-        app.busName = bus != nullptr ? bus : "";
-        app.path = path != nullptr ? path : "";
-        out.push_back(std::move(app));
-    }
-    return out;
-}
-
 }  // namespace
 
 std::vector<ListedApp> listApplications(bool withNames) {
@@ -51,9 +24,15 @@ std::vector<ListedApp> listApplications(bool withNames) {
     DBusConnection* bus = registry->app != nullptr ? registry->app->bus : nullptr;
     std::vector<Message> listCall;
     listCall.push_back(methodCall(busNameOf(desktop), registry->path, kAccessible, "GetChildren"));
-    std::vector<ListedApp> apps = readReferences(callAll(bus, listCall).front());
+    const auto references = referencesAnswer(callAll(bus, listCall).front());
     g_object_unref(desktop);
-    if (apps.empty()) return apps;
+    std::vector<ListedApp> apps;
+    if (!references) return apps;
+    for (const auto& [busName, path] : *references) {
+        ListedApp& app = apps.emplace_back();
+        app.busName = busName;
+        app.path = path;
+    }
 
     // Up to three calls an application: its connection's process, its name
     // and its child count.

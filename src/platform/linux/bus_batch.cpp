@@ -1,6 +1,8 @@
 // Batches of D-Bus calls and the reading of their simple answers.
 #include "platform/linux/bus_batch.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace zeblo::platform::linux_desktop {
@@ -25,6 +27,28 @@ bool firstArgument(const Message& answer, int type, void* value) {
     return true;
 }
 
+// Reads the elements of an answer whose whole signature is `signature` (an
+// array); false when it is another.
+template <class Read>
+bool eachElement(const Message& answer, const char* signature, Read read) {
+    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
+    const char* actual = dbus_message_get_signature(answer.get());
+    if (actual == nullptr || std::strcmp(actual, signature) != 0) return false;
+    DBusMessageIter it, element;
+    dbus_message_iter_init(answer.get(), &it);
+    dbus_message_iter_recurse(&it, &element);
+    for (; dbus_message_iter_get_arg_type(&element) != DBUS_TYPE_INVALID; dbus_message_iter_next(&element)) {
+        read(&element);
+    }
+    return true;
+}
+
+const char* basicString(DBusMessageIter* it) {
+    const char* text = nullptr;
+    dbus_message_iter_get_basic(it, &text);
+    return text != nullptr ? text : "";
+}
+
 }  // namespace
 
 Message methodCall(const char* destination, const char* path, const char* interface, const char* member) {
@@ -44,18 +68,27 @@ Message propertyCall(const char* destination, const char* path, const char* inte
 std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& calls) {
     std::vector<Message> answers(calls.size());
     if (bus == nullptr) return answers;
-    std::vector<DBusPendingCall*> pending(calls.size(), nullptr);
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), &pending[i], kReplyTimeoutMs)) {
-            pending[i] = nullptr;
+    // At most this many calls wait for answers at once, well below the
+    // buses' limit on pending replies per connection.
+    constexpr std::size_t kInFlight = 4096;
+    std::vector<DBusPendingCall*> pending;
+    for (std::size_t first = 0; first < calls.size(); first += kInFlight) {
+        const std::size_t end = std::min(calls.size(), first + kInFlight);
+        pending.assign(end - first, nullptr);
+        for (std::size_t i = first; i < end; ++i) {
+            DBusPendingCall*& call = pending[i - first];
+            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), &call, kReplyTimeoutMs)) {
+                call = nullptr;
+            }
         }
-    }
-    dbus_connection_flush(bus);
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (pending[i] == nullptr) continue;
-        dbus_pending_call_block(pending[i]);
-        answers[i] = Message(dbus_pending_call_steal_reply(pending[i]));
-        dbus_pending_call_unref(pending[i]);
+        dbus_connection_flush(bus);
+        for (std::size_t i = first; i < end; ++i) {
+            DBusPendingCall* call = pending[i - first];
+            if (call == nullptr) continue;
+            dbus_pending_call_block(call);
+            answers[i] = Message(dbus_pending_call_steal_reply(call));
+            dbus_pending_call_unref(call);
+        }
     }
     return answers;
 }
@@ -71,6 +104,38 @@ bool int32Answer(const Message& answer, dbus_int32_t* value) {
 
 bool uint32Answer(const Message& answer, dbus_uint32_t* value) {
     return firstArgument(answer, DBUS_TYPE_UINT32, value);
+}
+
+std::optional<std::vector<Reference>> referencesAnswer(const Message& answer) {
+    std::vector<Reference> out;
+    const bool read = eachElement(answer, "a(so)", [&](DBusMessageIter* element) {
+        DBusMessageIter field;
+        dbus_message_iter_recurse(element, &field);
+        Reference& reference = out.emplace_back();
+        reference.first = basicString(&field);
+        dbus_message_iter_next(&field);
+        reference.second = basicString(&field);
+    });
+    if (!read) return std::nullopt;
+    return out;
+}
+
+std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer) {
+    std::vector<std::uint32_t> out;
+    const bool read = eachElement(answer, "au", [&](DBusMessageIter* element) {
+        dbus_uint32_t word = 0;
+        dbus_message_iter_get_basic(element, &word);
+        out.push_back(word);
+    });
+    if (!read) return std::nullopt;
+    return out;
+}
+
+std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
+    std::vector<std::string> out;
+    const bool read = eachElement(answer, "as", [&](DBusMessageIter* element) { out.emplace_back(basicString(element)); });
+    if (!read) return std::nullopt;
+    return out;
 }
 
 }  // namespace zeblo::platform::linux_desktop

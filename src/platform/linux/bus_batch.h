@@ -4,7 +4,11 @@
 
 #include <dbus/dbus.h>
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace zeblo::platform::linux_desktop {
@@ -30,5 +34,13 @@ std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& ca
 const char* stringAnswer(const Message& answer);
 bool int32Answer(const Message& answer, dbus_int32_t* value);
 bool uint32Answer(const Message& answer, dbus_uint32_t* value);
+
+// The first argument of a successful answer as an array: of object
+// references (bus name, path), of 32-bit words, or of strings. Nothing when
+// the answer is missing, an error or of another signature.
+using Reference = std::pair<std::string, std::string>;
+std::optional<std::vector<Reference>> referencesAnswer(const Message& answer);
+std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer);
+std::optional<std::vector<std::string>> stringsAnswer(const Message& answer);
 
 }  // namespace zeblo::platform::linux_desktop

@@ -69,6 +69,15 @@ std::optional<std::string> textContents(AtspiAccessible* object) {
     return takeText(contents);
 }
 
+// The whole text of a node, from its survey while that is current (`item`
+// is then what it knows of the node).
+std::optional<std::string> textOf(const Node& node, const Survey::Item* item) {
+    if (item != nullptr) {
+        if (const std::string* known = node.survey->text(node.object)) return *known;
+    }
+    return textContents(node.object);
+}
+
 std::string nameOf(AtspiAccessible* object, bool* ok = nullptr) {
     GError* error = nullptr;
     char* name = atspi_accessible_get_name(object, &error);
@@ -414,7 +423,7 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
             return ok(std::int64_t{has(ATSPI_STATE_CHECKED) ? 1 : 0});
         }
         if (isTextRole(role)) {
-            auto text = textContents(object);
+            auto text = textOf(node, item);
             if (!text) return {kAXErrorCannotComplete, {}};
             if (role == ATSPI_ROLE_PASSWORD_TEXT) {
                 // A password is never read back, whatever the toolkit
@@ -427,7 +436,7 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
         }
         if (role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) {
             std::string label = name();
-            if (label.empty()) label = textContents(object).value_or("");
+            if (label.empty()) label = textOf(node, item).value_or("");
             return ok(std::move(label));
         }
         if (role == ATSPI_ROLE_COMBO_BOX) return ok(name());

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/linux/bus_batch.h"
+#include "platform/linux/linux_platform.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -18,6 +19,7 @@ namespace {
 // interfaces, name, role, description and the two words of its state set.
 constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
 constexpr int kReplyTimeoutMs = 5000;
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
 std::string pathOf(AtspiAccessible* object) {
     const char* path = ATSPI_OBJECT(object)->path;
@@ -105,7 +107,9 @@ bool Survey::read(AtspiAccessible* root) {
         DBusMessageIter interfaces;
         dbus_message_iter_recurse(&field, &interfaces);
         while (dbus_message_iter_get_arg_type(&interfaces) == DBUS_TYPE_STRING) {
-            if (readString(&interfaces) == "org.a11y.atspi.Action") item.hasAction = true;
+            const std::string interface = readString(&interfaces);
+            item.hasAction |= interface == "org.a11y.atspi.Action";
+            item.hasText |= interface == "org.a11y.atspi.Text";
         }
         dbus_message_iter_next(&field);
         item.name = readString(&field);
@@ -163,26 +167,112 @@ void Survey::linkChildren(AtspiAccessible* root) {
     }
 
     // A list is known when it holds as many children as the application
-    // says the element has. Where GetItems gives no count (-1, as for GTK's
-    // menus), the counts are asked for in one batch.
-    std::vector<const std::string*> uncounted;
+    // says the element has. The lists this does not settle (GTK gives no
+    // count for its menus; uncached children leave gaps) are asked for whole,
+    // in one batch.
+    std::vector<const std::string*> open;
     for (auto& [path, item] : items_) {
-        if (item.childCount < 0 && under_.count(path) != 0) uncounted.push_back(&path);
+        if (under_.count(path) != 0 &&
+            (item.childCount < 0 || item.children.size() != static_cast<std::size_t>(item.childCount))) {
+            open.push_back(&path);
+        }
     }
     std::vector<Message> calls;
-    calls.reserve(uncounted.size());
-    for (const std::string* path : uncounted) {
-        calls.push_back(propertyCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Accessible", "ChildCount"));
+    calls.reserve(open.size());
+    for (const std::string* path : open) {
+        calls.push_back(methodCall(busName_.c_str(), path->c_str(), kAccessible, "GetChildren"));
     }
-    const std::vector<Message> counts = callAll(bus_, calls);
-    for (std::size_t i = 0; i < uncounted.size(); ++i) {
-        dbus_int32_t count = 0;
-        if (int32Answer(counts[i], &count)) items_[*uncounted[i]].childCount = count;
+    const std::vector<Message> lists = callAll(bus_, calls);
+    for (std::size_t i = 0; i < open.size(); ++i) takeChildren(*open[i], items_[*open[i]], lists[i]);
+    for (auto& [path, item] : items_) settle(path, item);
+}
+
+void Survey::takeChildren(const std::string& owner, Item& item, const Message& answer) const {
+    const auto references = referencesAnswer(answer);
+    if (!references) return;  // as it was: the list is read live if it does not add up
+    item.childCount = static_cast<std::int32_t>(references->size());
+    item.children.clear();
+    for (const auto& [bus, path] : *references) {
+        const auto object = bus == busName_ ? under_.find(path) : under_.end();
+        if (object == under_.end()) {  // outside the survey: the list is read live
+            item.children.clear();
+            return;
+        }
+        item.children.push_back(object->second);
     }
-    for (auto& [path, item] : items_) {
-        item.childrenKnown = under_.count(path) != 0 && item.childCount >= 0 &&
-                             item.children.size() == static_cast<std::size_t>(item.childCount);
-        if (!item.childrenKnown) item.children.clear();
+    for (const auto& [bus, path] : *references) {
+        const auto child = items_.find(path);
+        if (child == items_.end()) {
+            parentOfUncached_.emplace(path, owner);
+        } else if (child->second.parentPath.empty()) {
+            child->second.parentPath = owner;
+        }
+    }
+}
+
+void Survey::settle(const std::string& path, Item& item) const {
+    item.childrenKnown = under_.count(path) != 0 && item.childCount >= 0 &&
+                         item.children.size() == static_cast<std::size_t>(item.childCount);
+    if (!item.childrenKnown) item.children.clear();
+}
+
+void Survey::complete() const {
+    // Objects the application does not cache (GTK's list rows, for one) are
+    // read in one batch when the walk first reaches one of them: six calls
+    // each, the answers GetItems would have given and the child list.
+    completed_ = true;
+    std::vector<const std::string*> uncached;
+    for (const auto& [path, object] : under_) {
+        if (items_.count(path) == 0) uncached.push_back(&path);
+    }
+    if (uncached.empty()) return;
+    constexpr std::size_t kCalls = 6;
+    std::vector<Message> calls;
+    calls.reserve(uncached.size() * kCalls);
+    for (const std::string* path : uncached) {
+        const char* bus = busName_.c_str();
+        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetRole"));
+        calls.push_back(propertyCall(bus, path->c_str(), kAccessible, "Name"));
+        calls.push_back(propertyCall(bus, path->c_str(), kAccessible, "Description"));
+        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetState"));
+        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetInterfaces"));
+        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetChildren"));
+    }
+    const std::vector<Message> answers = callAll(bus_, calls);
+    std::vector<std::pair<const std::string*, Item*>> added;
+    for (std::size_t i = 0; i < uncached.size(); ++i) {
+        const Message* answer = &answers[i * kCalls];
+        dbus_uint32_t role = 0;
+        const char* name = stringAnswer(answer[1]);
+        const char* description = stringAnswer(answer[2]);
+        const auto states = uint32sAnswer(answer[3]);
+        const auto interfaces = stringsAnswer(answer[4]);
+        if (!uint32Answer(answer[0], &role) || name == nullptr || description == nullptr || !states || !interfaces) {
+            continue;  // gone meanwhile, or answering oddly: read live
+        }
+        Item item;
+        item.role = static_cast<AtspiRole>(role);
+        item.name = name;
+        item.description = description;
+        for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
+            item.states |= std::uint64_t{(*states)[word]} << (32 * word);
+        }
+        for (const std::string& interface : *interfaces) {
+            item.hasAction |= interface == "org.a11y.atspi.Action";
+            item.hasText |= interface == "org.a11y.atspi.Text";
+        }
+        const auto parent = parentOfUncached_.find(*uncached[i]);
+        if (parent != parentOfUncached_.end()) item.parentPath = parent->second;
+        item.childCount = -1;
+        added.emplace_back(uncached[i], &items_.emplace(*uncached[i], std::move(item)).first->second);
+    }
+    // The child lists once every new item is in place, so that they can name
+    // their children's parent.
+    for (std::size_t i = 0, k = 0; i < uncached.size() && k < added.size(); ++i) {
+        if (added[k].first != uncached[i]) continue;
+        takeChildren(*uncached[i], *added[k].second, answers[i * kCalls + 5]);
+        settle(*uncached[i], *added[k].second);
+        ++k;
     }
 }
 
@@ -190,7 +280,12 @@ const Survey::Item* Survey::find(AtspiAccessible* object) const {
     if (object == nullptr) return nullptr;
     const char* bus = busOf(object);
     if (bus == nullptr || busName_ != bus) return nullptr;
-    const auto found = items_.find(pathOf(object));
+    const std::string path = pathOf(object);
+    auto found = items_.find(path);
+    if (found == items_.end() && !completed_ && under_.count(path) != 0) {
+        complete();
+        found = items_.find(path);
+    }
     return found != items_.end() ? &found->second : nullptr;
 }
 
@@ -230,6 +325,44 @@ void Survey::readKeyBindings() const {
     const std::vector<Message> bindings = callAll(bus_, calls);
     for (std::size_t i = 0; i < asked.size(); ++i) {
         if (const char* binding = stringAnswer(bindings[i])) keyBindings_->emplace(*asked[i], binding);
+    }
+}
+
+const std::string* Survey::text(AtspiAccessible* object) const {
+    const Item* item = find(object);
+    if (item == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
+    if (!texts_) readTexts();
+    const auto found = texts_->find(pathOf(object));
+    return found != texts_->end() ? &found->second : nullptr;
+}
+
+void Survey::readTexts() const {
+    // Every object under the root whose value is its text, the uncached ones
+    // included (a label in a list row, for one).
+    if (!completed_) complete();
+    texts_.emplace();
+    std::vector<const std::string*> asked;
+    for (const auto& [path, object] : under_) {
+        const auto item = items_.find(path);
+        if (item == items_.end() || !item->second.hasText) continue;
+        const AtspiRole role = item->second.role;
+        if (isTextRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) asked.push_back(&path);
+    }
+    std::vector<Message> calls;
+    calls.reserve(asked.size());
+    const dbus_int32_t start = 0;
+    const dbus_int32_t end = -1;
+    for (const std::string* path : asked) {
+        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Text", "GetText");
+        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &start, DBUS_TYPE_INT32, &end,
+                                              DBUS_TYPE_INVALID)) {
+            call.reset();
+        }
+        calls.push_back(std::move(call));
+    }
+    const std::vector<Message> answers = callAll(bus_, calls);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (const char* text = stringAnswer(answers[i])) texts_->emplace(*asked[i], text);
     }
 }
 

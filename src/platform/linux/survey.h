@@ -27,6 +27,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/linux/bus_batch.h"
 #include "platform/linux/live_count.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -41,6 +42,7 @@ public:
         std::string parentPath;
         std::int32_t childCount = 0;  // -1: not given
         bool hasAction = false;
+        bool hasText = false;
         // The children, in order, when every one of them is known; borrowed
         // from the survey (valid while it lives).
         std::vector<AtspiAccessible*> children;
@@ -65,6 +67,11 @@ public:
     // none), or null when the survey cannot tell. The bindings of all the menu
     // items under the root are asked for at once, on the first call.
     const std::string* keyBinding(AtspiAccessible* object) const;
+    // The whole text of an object under the root that has the Text
+    // interface and a role whose value is text (labels included), or null
+    // when the survey cannot tell. All of them are asked for at once, on
+    // the first call.
+    const std::string* text(AtspiAccessible* object) const;
     std::uint64_t generation() const { return generation_; }
     std::size_t size() const { return items_.size(); }
 
@@ -74,14 +81,28 @@ private:
     void linkChildren(AtspiAccessible* root);
 
     void readKeyBindings() const;
+    void readTexts() const;
+    // Sets `item`'s children (it is the object at `owner`) from a
+    // GetChildren answer, when every child is under the root.
+    void takeChildren(const std::string& owner, Item& item, const Message& answer) const;
+    // Decides whether `item`'s child list is known; forgets it otherwise.
+    void settle(const std::string& path, Item& item) const;
+    // Reads the objects under the root that the application does not cache.
+    void complete() const;
 
     std::uint64_t generation_ = 0;
     std::string busName_;
     DBusConnection* bus_ = nullptr;                // the application's, while objects_ hold it
-    std::unordered_map<std::string, Item> items_;  // by object path
+    // By object path. Items are added, never removed, while the survey lives
+    // (the uncached ones on the first look at one of them), so references
+    // to them stay valid.
+    mutable std::unordered_map<std::string, Item> items_;
+    mutable std::unordered_map<std::string, std::string> parentOfUncached_;  // path to parent path
+    mutable bool completed_ = false;
     std::vector<AtspiAccessible*> objects_;         // one reference each: the root and all under it
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
     mutable std::optional<std::unordered_map<std::string, std::string>> keyBindings_;  // by path
+    mutable std::optional<std::unordered_map<std::string, std::string>> texts_;        // by path
     Counted counted_;
 };
 
