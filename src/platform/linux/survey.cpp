@@ -289,12 +289,36 @@ const Survey::Item* Survey::find(AtspiAccessible* object) const {
     return found != items_.end() ? &found->second : nullptr;
 }
 
-const std::string* Survey::keyBinding(AtspiAccessible* object) const {
+const std::string* Survey::lookUp(AtspiAccessible* object, std::optional<ByPath>& table,
+                                  void (Survey::*read)() const) const {
     const Item* item = find(object);
     if (item == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
-    if (!keyBindings_) readKeyBindings();
-    const auto found = keyBindings_->find(pathOf(object));
-    return found != keyBindings_->end() ? &found->second : nullptr;
+    if (!table) (this->*read)();
+    const auto found = table->find(pathOf(object));
+    return found != table->end() ? &found->second : nullptr;
+}
+
+void Survey::askEach(const std::vector<const std::string*>& asked, const char* interface, const char* member,
+                     std::initializer_list<dbus_int32_t> arguments, ByPath& into) const {
+    std::vector<Message> calls;
+    calls.reserve(asked.size());
+    for (const std::string* path : asked) {
+        Message call = methodCall(busName_.c_str(), path->c_str(), interface, member);
+        for (const dbus_int32_t argument : arguments) {
+            if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &argument, DBUS_TYPE_INVALID)) {
+                call.reset();
+            }
+        }
+        calls.push_back(std::move(call));
+    }
+    const std::vector<Message> answers = callAll(bus_, calls);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (const char* answer = stringAnswer(answers[i])) into.emplace(*asked[i], answer);
+    }
+}
+
+const std::string* Survey::keyBinding(AtspiAccessible* object) const {
+    return lookUp(object, keyBindings_, &Survey::readKeyBindings);
 }
 
 void Survey::readKeyBindings() const {
@@ -314,26 +338,11 @@ void Survey::readKeyBindings() const {
             keyBindings_->emplace(path, std::string());
         }
     }
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    const dbus_int32_t first = 0;
-    for (const std::string* path : asked) {
-        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Action", "GetKeyBinding");
-        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &first, DBUS_TYPE_INVALID)) call.reset();
-        calls.push_back(std::move(call));
-    }
-    const std::vector<Message> bindings = callAll(bus_, calls);
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (const char* binding = stringAnswer(bindings[i])) keyBindings_->emplace(*asked[i], binding);
-    }
+    askEach(asked, "org.a11y.atspi.Action", "GetKeyBinding", {0}, *keyBindings_);
 }
 
 const std::string* Survey::text(AtspiAccessible* object) const {
-    const Item* item = find(object);
-    if (item == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
-    if (!texts_) readTexts();
-    const auto found = texts_->find(pathOf(object));
-    return found != texts_->end() ? &found->second : nullptr;
+    return lookUp(object, texts_, &Survey::readTexts);
 }
 
 void Survey::readTexts() const {
@@ -348,22 +357,7 @@ void Survey::readTexts() const {
         const AtspiRole role = item->second.role;
         if (isTextRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) asked.push_back(&path);
     }
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    const dbus_int32_t start = 0;
-    const dbus_int32_t end = -1;
-    for (const std::string* path : asked) {
-        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Text", "GetText");
-        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &start, DBUS_TYPE_INT32, &end,
-                                              DBUS_TYPE_INVALID)) {
-            call.reset();
-        }
-        calls.push_back(std::move(call));
-    }
-    const std::vector<Message> answers = callAll(bus_, calls);
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (const char* text = stringAnswer(answers[i])) texts_->emplace(*asked[i], text);
-    }
+    askEach(asked, "org.a11y.atspi.Text", "GetText", {0, -1}, *texts_);  // from the start to the end
 }
 
 std::optional<bool> Survey::hasDescendant(const Item& item, AtspiRole role) const {

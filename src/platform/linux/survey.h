@@ -21,6 +21,7 @@
 #include <dbus/dbus.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -80,6 +81,14 @@ private:
     bool read(AtspiAccessible* root);
     void linkChildren(AtspiAccessible* root);
 
+    using ByPath = std::unordered_map<std::string, std::string>;
+    // What `table` holds for `object`, an object under the root; `read` fills
+    // the table on the first call.
+    const std::string* lookUp(AtspiAccessible* object, std::optional<ByPath>& table, void (Survey::*read)() const) const;
+    // Calls `member` with the 32-bit `arguments` on every path in `asked` in
+    // one batch, and keeps the string answers by path.
+    void askEach(const std::vector<const std::string*>& asked, const char* interface, const char* member,
+                 std::initializer_list<dbus_int32_t> arguments, ByPath& into) const;
     void readKeyBindings() const;
     void readTexts() const;
     // Sets `item`'s children (it is the object at `owner`) from a
@@ -101,8 +110,8 @@ private:
     mutable bool completed_ = false;
     std::vector<AtspiAccessible*> objects_;         // one reference each: the root and all under it
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
-    mutable std::optional<std::unordered_map<std::string, std::string>> keyBindings_;  // by path
-    mutable std::optional<std::unordered_map<std::string, std::string>> texts_;        // by path
+    mutable std::optional<ByPath> keyBindings_;
+    mutable std::optional<ByPath> texts_;
     Counted counted_;
 };
 
