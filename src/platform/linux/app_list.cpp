@@ -10,11 +10,6 @@ namespace {
 
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
-const char* busNameOf(AtspiAccessible* object) {
-    const AtspiObject* o = ATSPI_OBJECT(object);
-    return o->app != nullptr ? o->app->bus_name : nullptr;
-}
-
 }  // namespace
 
 std::vector<ListedApp> listApplications(bool withNames) {
@@ -23,7 +18,7 @@ std::vector<ListedApp> listApplications(bool withNames) {
     const AtspiObject* registry = ATSPI_OBJECT(desktop);
     DBusConnection* bus = registry->app != nullptr ? registry->app->bus : nullptr;
     std::vector<Message> listCall;
-    listCall.push_back(methodCall(busNameOf(desktop), registry->path, kAccessible, "GetChildren"));
+    listCall.push_back(methodCall(busOf(desktop), registry->path, kAccessible, "GetChildren"));
     const auto references = referencesAnswer(callAll(bus, listCall).front());
     g_object_unref(desktop);
     std::vector<ListedApp> apps;
@@ -73,13 +68,13 @@ AtspiAccessible* applicationObject(const ListedApp& listed, std::size_t index) {
     GError* error = nullptr;
     AtspiAccessible* at = atspi_accessible_get_child_at_index(desktop, static_cast<gint>(index), &error);
     if (error != nullptr) g_error_free(error);
-    if (at != nullptr && busNameOf(at) != nullptr && listed.busName == busNameOf(at)) {
+    if (at != nullptr && busOf(at) != nullptr && listed.busName == busOf(at)) {
         found = at;
     } else {
         if (at != nullptr) g_object_unref(at);
         for (AtspiAccessible* app : childrenOf(desktop)) {
             if (app == nullptr) continue;
-            if (found == nullptr && busNameOf(app) != nullptr && listed.busName == busNameOf(app)) {
+            if (found == nullptr && busOf(app) != nullptr && listed.busName == busOf(app)) {
                 found = app;
             } else {
                 g_object_unref(app);

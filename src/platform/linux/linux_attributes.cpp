@@ -303,6 +303,11 @@ bool isWindowRole(AtspiRole role) {
            role == ATSPI_ROLE_ALERT || role == ATSPI_ROLE_COLOR_CHOOSER || role == ATSPI_ROLE_WINDOW;
 }
 
+const char* busOf(AtspiAccessible* object) {
+    const AtspiObject* o = ATSPI_OBJECT(object);
+    return o->app != nullptr ? o->app->bus_name : nullptr;
+}
+
 std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object) {
     std::vector<AtspiAccessible*> out;
     GError* error = nullptr;

@@ -149,6 +149,8 @@ bool hasState(AtspiAccessible* object, AtspiStateType state);
 bool isWindowRole(AtspiRole role);
 // Text from libatspi (may be null; freed here), as valid UTF-8.
 std::string takeText(char* text);
+// The unique bus name of `object`'s application, or null.
+const char* busOf(AtspiAccessible* object);
 // The children of `object`, each with its own reference; null entries kept.
 std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object);
 

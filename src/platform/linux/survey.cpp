@@ -26,11 +26,6 @@ std::string pathOf(AtspiAccessible* object) {
     return path != nullptr ? path : "";
 }
 
-const char* busOf(AtspiAccessible* object) {
-    const AtspiObject* o = ATSPI_OBJECT(object);
-    return o->app != nullptr ? o->app->bus_name : nullptr;
-}
-
 // Reads an "(so)" reference at `it` and advances past it; gives the path.
 std::string readReference(DBusMessageIter* it) {
     DBusMessageIter ref;
