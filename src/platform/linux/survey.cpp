@@ -18,7 +18,6 @@ namespace {
 // its application's and parent's references, index in parent, child count,
 // interfaces, name, role, description and the two words of its state set.
 constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
-constexpr int kReplyTimeoutMs = 5000;
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
 std::string pathOf(AtspiAccessible* object) {
@@ -71,22 +70,15 @@ bool Survey::read(AtspiAccessible* root) {
     if (app->bus == nullptr) return false;
     busName_ = app->bus_name;
     bus_ = app->bus;
-    DBusMessage* call = dbus_message_new_method_call(app->bus_name, "/org/a11y/atspi/cache",
-                                                     "org.a11y.atspi.Cache", "GetItems");
-    if (call == nullptr) return false;
-    DBusError error;
-    dbus_error_init(&error);
-    DBusMessage* reply = dbus_connection_send_with_reply_and_block(app->bus, call, kReplyTimeoutMs, &error);
-    dbus_message_unref(call);
-    if (reply == nullptr) {
-        dbus_error_free(&error);
-        return false;
-    }
-    const char* signature = dbus_message_get_signature(reply);
+    std::vector<Message> call;
+    call.push_back(methodCall(app->bus_name, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"));
+    const Message answer = std::move(callAll(bus_, call).front());
+    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
+    const char* signature = dbus_message_get_signature(answer.get());
     if (signature == nullptr || std::strcmp(signature, kItemsSignature) != 0) {
-        dbus_message_unref(reply);
         return false;  // an older or newer layout: the walk reads live
     }
+    DBusMessage* reply = answer.get();
     DBusMessageIter it, array;
     dbus_message_iter_init(reply, &it);
     dbus_message_iter_recurse(&it, &array);
@@ -118,7 +110,6 @@ bool Survey::read(AtspiAccessible* root) {
         items_.insert_or_assign(std::move(path), std::move(item));
         dbus_message_iter_next(&array);
     }
-    dbus_message_unref(reply);
     return true;
 }
 
