@@ -64,17 +64,18 @@ AtspiAccessible* applicationObject(const ListedApp& listed, std::size_t index) {
     AtspiAccessible* desktop = atspi_get_desktop(0);
     if (desktop == nullptr) return nullptr;
     // Where it stood a moment ago, normally; otherwise wherever it stands now.
+    const auto isListed = [&](AtspiAccessible* app) { return busOf(app) != nullptr && listed.busName == busOf(app); };
     AtspiAccessible* found = nullptr;
     GError* error = nullptr;
     AtspiAccessible* at = atspi_accessible_get_child_at_index(desktop, static_cast<gint>(index), &error);
     if (error != nullptr) g_error_free(error);
-    if (at != nullptr && busOf(at) != nullptr && listed.busName == busOf(at)) {
+    if (at != nullptr && isListed(at)) {
         found = at;
     } else {
         if (at != nullptr) g_object_unref(at);
         for (AtspiAccessible* app : childrenOf(desktop)) {
             if (app == nullptr) continue;
-            if (found == nullptr && busOf(app) != nullptr && listed.busName == busOf(app)) {
+            if (found == nullptr && isListed(app)) {
                 found = app;
             } else {
                 g_object_unref(app);
