@@ -133,7 +133,8 @@ std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer) {
 
 std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
     std::vector<std::string> out;
-    const bool read = eachElement(answer, "as", [&](DBusMessageIter* element) { out.emplace_back(basicString(element)); });
+    const bool read =
+        eachElement(answer, "as", [&](DBusMessageIter* element) { out.emplace_back(basicString(element)); });
     if (!read) return std::nullopt;
     return out;
 }

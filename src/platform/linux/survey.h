@@ -84,7 +84,8 @@ private:
     using ByPath = std::unordered_map<std::string, std::string>;
     // What `table` holds for `object`, an object under the root; `read` fills
     // the table on the first call.
-    const std::string* lookUp(AtspiAccessible* object, std::optional<ByPath>& table, void (Survey::*read)() const) const;
+    const std::string* lookUp(AtspiAccessible* object, std::optional<ByPath>& table,
+                              void (Survey::*read)() const) const;
     // Calls `member` with the 32-bit `arguments` on every path in `asked` in
     // one batch, and keeps the string answers by path.
     void askEach(const std::vector<const std::string*>& asked, const char* interface, const char* member,
