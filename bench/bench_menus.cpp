@@ -16,9 +16,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "boundary/json_writer.h"
-#include "menus/menu_item.h"
-#include "menus/menu_ops.h"
+#include "core/json_writer.h"
+#include "ops/menus/menu_item.h"
+#include "ops/menus/menu_ops.h"
 #include "platform/platform.h"
 #include "platform/sim/sim_desktop.h"
 #include "zeblo/zeblo.h"

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "text/unicode.h"
+#include "core/unicode.h"
 
 namespace {
 

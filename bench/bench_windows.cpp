@@ -9,7 +9,7 @@
 
 #include "platform/platform.h"
 #include "platform/sim/sim_desktop.h"
-#include "windows/window_ops.h"
+#include "ops/windows/window_ops.h"
 #include "zeblo/zeblo.h"
 
 namespace {

@@ -17,7 +17,7 @@
 #include "fuzz/random_desktop.h"
 #include "fuzz/result_shapes.h"
 #include "platform/platform.h"
-#include "text/unicode.h"
+#include "core/unicode.h"
 #include "zeblo/zeblo.h"
 
 namespace zeblo::fuzz {

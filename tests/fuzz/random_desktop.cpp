@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "text/unicode.h"
+#include "core/unicode.h"
 
 namespace zeblo::fuzz {
 namespace {

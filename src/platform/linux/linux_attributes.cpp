@@ -6,7 +6,7 @@
 
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/x11_session.h"
-#include "text/unicode.h"
+#include "core/unicode.h"
 
 namespace zeblo::platform::linux_desktop {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "platform/sim/sim_state.h"
-#include "text/unicode.h"
+#include "core/unicode.h"
 
 namespace zeblo::sim {
 namespace {

@@ -1,0 +1,32 @@
+// Whether the keyboard focus, wherever it is on the desktop, is in an element
+// that takes text. Only the focused element's role is examined.
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "ops/apps/app_ops.h"
+#include "platform/platform.h"
+
+namespace zeblo {
+namespace {
+
+// Roles that take typed text. A password field is deliberately not among them.
+constexpr std::array<std::string_view, 4> kTextRoles = {"AXTextField", "AXTextArea", "AXComboBox",
+                                                         "AXSearchField"};
+
+}  // namespace
+
+bool AppOps::isInTextField() {
+    platform::Platform& p = platform::current();
+    const platform::Element systemWide = p.createSystemWideElement();
+    if (!systemWide) return false;
+
+    const auto focused = platform::asElement(p.copyAttributeValue(systemWide, "AXFocusedUIElement"));
+    if (!focused.ok() || !focused.value) return false;
+
+    const auto role = platform::asString(p.copyAttributeValue(focused.value, "AXRole"));
+    if (!role.ok()) return false;
+    return std::find(kTextRoles.begin(), kTextRoles.end(), role.value) != kTextRoles.end();
+}
+
+}  // namespace zeblo

@@ -1,0 +1,163 @@
+#include "ops/menus/menu_ops.h"
+
+#include "core/json_writer.h"
+#include "ops/menus/menu_item.h"
+#include "ops/menus/menu_reads.h"
+#include "core/unicode.h"
+
+namespace zeblo {
+
+using platform::Element;
+using platform::Platform;
+
+namespace {
+
+// About the length of the pretty-printed snapshot of `menus`, so that the text
+// is allocated once instead of growing through repeated copies (which, for a
+// text of a megabyte, costs several times the writing itself).
+std::size_t estimatedTextSize(const std::vector<MenuItem>& menus) {
+    std::size_t total = 64;
+    std::vector<std::pair<const MenuItem*, std::size_t>> work;  // record, indentation of its members
+    for (const MenuItem& m : menus) work.emplace_back(&m, 6);
+    while (!work.empty()) {
+        const auto [item, indent] = work.back();
+        work.pop_back();
+        total += 8 * (indent + 16) + item->title.size() + item->cmdChar.value_or("").size();
+        for (const std::string& title : item->path) total += indent + 8 + title.size();
+        if (item->children) {
+            for (const MenuItem& child : *item->children) work.emplace_back(&child, indent + 4);
+        }
+    }
+    return total;
+}
+
+}  // namespace
+
+MenuOps::Target MenuOps::resolveApplication(Platform& p, const std::string& appName) {
+    Target target;
+    if (appName.empty()) {
+        auto app = p.frontmostApplication();
+        if (!app) throw MenuError::noFrontmostApp();
+        target.pid = app->pid;
+        target.localizedName = std::move(app->localizedName);
+    } else {
+        bool found = false;
+        for (auto& app : p.runningApplications()) {
+            if (app.localizedName && text::canonicallyEqual(*app.localizedName, appName)) {
+                target.pid = app.pid;
+                target.localizedName = std::move(app.localizedName);
+                found = true;
+                break;
+            }
+        }
+        if (!found) throw MenuError::appNotFound(appName);
+    }
+    const Element application = p.createApplicationElement(target.pid);
+    auto menuBar = platform::asElement(p.copyAttributeValue(application, "AXMenuBar"));
+    if (!menuBar.ok()) throw MenuError::menuBarNotFound();
+    target.menuBar = std::move(menuBar.value);
+    return target;
+}
+
+std::string MenuOps::getAppMenusJSON(const std::string& appName) {
+    Platform& p = platform::current();
+    Target target = resolveApplication(p, appName);
+    const std::string name = !appName.empty() ? appName : target.localizedName.value_or("Unknown");
+
+    auto items = menus::elementList(p.copyAttributeValue(target.menuBar, "AXChildren"));
+    target.menuBar = Element{};
+    if (!items) {
+        std::string out = "{\"app\": \"";
+        json::appendEscaped(out, name);
+        out += "\", \"menus\": []}";
+        return out;
+    }
+
+    std::vector<MenuItem> menus;
+    menus.reserve(items->size());
+    for (Element& item : *items) {
+        menus.emplace_back(item, target.pid, std::vector<std::string>{});
+        item = Element{};
+    }
+
+    json::Writer writer(json::Layout::pretty);
+    writer.reserve(estimatedTextSize(menus));
+    writer.beginObject();
+    writer.key("app");
+    writer.string(name);
+    writer.key("menus");
+    writer.beginArray();
+    for (const MenuItem& menu : menus) menu.encode(writer);
+    writer.endArray();
+    writer.endObject();
+    return writer.take();
+}
+
+Element MenuOps::findChildByTitle(const Element& element, const std::string& title) {
+    Platform& p = platform::current();
+    auto titled = [&](const Element& candidate) {
+        auto t = platform::asString(p.copyAttributeValue(candidate, "AXTitle"));
+        return t.ok() && text::canonicallyEqual(t.value, title);
+    };
+    auto firstTitled = [&](std::vector<Element>& list) {
+        for (Element& candidate : list) {
+            if (titled(candidate)) return std::move(candidate);
+        }
+        return Element{};
+    };
+
+    auto children = platform::asElementArray(p.copyAttributeValue(element, "AXChildren"));
+    if (!children.ok() || children.value.empty()) return Element{};
+    if (children.value.size() == 1) {
+        const Element& only = children.value.front();
+        const std::string onlyTitle = menus::textValue(p.copyAttributeValue(only, "AXTitle")).value_or("");
+        if (menus::isContainerTitle(onlyTitle)) {
+            p.log("Skipping container layer, searching in its children");
+            auto inner = platform::asElementArray(p.copyAttributeValue(only, "AXChildren"));
+            if (!inner.ok()) return Element{};
+            return firstTitled(inner.value);
+        }
+    }
+    return firstTitled(children.value);
+}
+
+Element MenuOps::navigateToMenuItem(const std::string& appName, const std::vector<std::string>& menuPath) {
+    if (menuPath.empty()) throw MenuError::emptyMenuPath();
+    Platform& p = platform::current();
+    Element current = resolveApplication(p, appName).menuBar;
+    for (const std::string& title : menuPath) {
+        Element next = findChildByTitle(current, title);
+        if (!next) throw MenuError::menuItemNotFound(title);
+        current = std::move(next);
+    }
+    return current;
+}
+
+void MenuOps::executeMenuItem(const Element& element) {
+    Platform& p = platform::current();
+    if (p.performAction(element, "AXPress") == platform::kAXErrorSuccess) return;
+    if (p.performAction(element, "AXPick") == platform::kAXErrorSuccess) return;
+    const platform::NamesRead actions = p.copyActionNames(element);
+    if (actions.code == platform::kAXErrorSuccess && actions.names) {
+        p.log("Menu item execute failed. Available actions (" + std::to_string(actions.names->size()) + "):");
+        for (const std::string& name : *actions.names) p.log("  " + name);
+    }
+    throw MenuError::menuClickFailed();
+}
+
+void MenuOps::menuClick(const std::string& appName, const std::vector<std::string>& menuPath) {
+    const Element item = navigateToMenuItem(appName, menuPath);
+    executeMenuItem(item);
+}
+
+bool MenuOps::menuItemEnabled(const std::string& appName, const std::vector<std::string>& menuPath) {
+    try {
+        const Element item = navigateToMenuItem(appName, menuPath);
+        const auto enabled = platform::asBool(platform::current().copyAttributeValue(item, "AXEnabled"));
+        return enabled.ok() && enabled.value;
+    } catch (const MenuError&) {
+        return false;
+    }
+}
+
+}  // namespace zeblo

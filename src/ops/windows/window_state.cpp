@@ -1,0 +1,118 @@
+// Window titles, existence, waiting for a window and closing it. Waiting and
+// retrying poll on the calling thread with fixed sleeps, looking the
+// application and window up afresh on every poll.
+#include "ops/apps/app_ops.h"
+#include "platform/deadline.h"
+#include "ops/windows/window_ops.h"
+
+namespace zeblo {
+
+using platform::Element;
+
+namespace {
+
+constexpr double kWaitInterval = 0.05;
+constexpr double kCloseRetryInterval = 0.1;
+
+}  // namespace
+
+std::vector<std::string> WindowOps::getWindowTitles(const std::string& appName) {
+    platform::Platform& p = platform::current();
+    std::optional<platform::RunningApp> app;
+    if (appName.empty()) {
+        app = p.frontmostApplication();
+    } else {
+        // Loose match only: the first application in the workspace's order.
+        for (auto& candidate : p.runningApplications()) {
+            if (softMatch(candidate.localizedName.value_or(std::string()), appName)) {
+                app = std::move(candidate);
+                break;
+            }
+        }
+    }
+    if (!app) return {};
+
+    const Element appElement = p.createApplicationElement(app->pid);
+    auto windows = platform::asElementArray(p.copyAttributeValue(appElement, "AXWindows"));
+    std::vector<std::string> titles;
+    if (!windows.ok() || windows.value.size() > kMaxChildren) return titles;
+    for (const Element& window : windows.value) {
+        if (!window) continue;
+        auto title = platform::asString(p.copyAttributeValue(window, "AXTitle"));
+        if (title.ok()) titles.push_back(std::move(title.value));  // "" for an untitled window
+    }
+    return titles;
+}
+
+bool WindowOps::windowExists(const std::string& appName, const std::string& windowName) {
+    return lookupSucceeds(appName, windowName);
+}
+
+bool WindowOps::windowInFront(const std::string& appName, const std::string& windowName) {
+    FrontmostInfo front;
+    try {
+        front = AppOps::getFrontmostInfo();
+    } catch (const Error&) {
+        return false;  // nothing in front: not yet
+    }
+    const bool appHolds = appName.empty() || softMatch(front.appName, appName);
+    const bool windowHolds = windowName.empty() || softMatch(front.windowTitle, windowName);
+    return appHolds && windowHolds;
+}
+
+bool WindowOps::waitForWindow(const std::string& appName, const std::string& windowName, std::int32_t condition,
+                              std::int32_t timeout) {
+    if (static_cast<std::uint32_t>(condition) >= 3) return false;
+    const platform::Deadline deadline(timeout);
+    if (deadline.passed()) return false;
+
+    platform::Platform& p = platform::current();
+    for (;;) {
+        bool holds = false;
+        switch (condition) {
+            case 0: holds = lookupSucceeds(appName, windowName); break;
+            case 1: holds = !lookupSucceeds(appName, windowName); break;
+            default: holds = windowInFront(appName, windowName); break;
+        }
+        if (holds) return true;
+        p.sleep(kWaitInterval);
+        // Not checked again after the sleep on which the time ran out.
+        if (deadline.passed()) return false;
+    }
+}
+
+void WindowOps::closeOnce(const std::string& appName, const std::string& windowName) {
+    const platform::RunningApp app = getApp(appName);
+    const Element window = getWindow(app, windowName);
+    platform::Platform& p = platform::current();
+    // A close button of the wrong kind counts as none.
+    auto button = platform::asElement(p.copyAttributeValue(window, "AXCloseButton"));
+    if (!button.ok()) throw WindowError::closeFailed();
+    // Whether the window really went is not checked here.
+    if (p.performAction(button.value, "AXPress") != platform::kAXErrorSuccess) throw WindowError::closeFailed();
+}
+
+void WindowOps::closeWindow(const std::string& appName, const std::string& windowName,
+                            std::optional<std::int64_t> retryTimeout) {
+    if (!retryTimeout) {
+        closeOnce(appName, windowName);
+        return;
+    }
+
+    platform::Platform& p = platform::current();
+    const platform::Deadline deadline(*retryTimeout);
+    while (!deadline.passed()) {
+        // The application going away takes the window with it: success.
+        if (!lookupSucceeds(appName, windowName)) return;
+        try {
+            closeOnce(appName, windowName);
+        } catch (const WindowError&) {
+            // A refused attempt is tried again on the next poll.
+        }
+        p.sleep(kCloseRetryInterval);
+    }
+    if (!lookupSucceeds(appName, windowName)) return;
+    throw WindowError::timeout();
+}
+
+}  // namespace zeblo

@@ -1,0 +1,70 @@
+// A window's text as labelled lines, and the items of a popup button's menu.
+#include "ops/windows/element_search.h"
+#include "ops/windows/text_lines.h"
+#include "ops/windows/window_ops.h"
+
+namespace zeblo {
+
+using platform::Element;
+
+void WindowOps::collectText(const Element& from, TextLines& into, int depth) {
+    if (depth > kMaxDepth || into.size() > kMaxResults - 1) return;
+
+    const std::string role = windows::roleOf(from).value_or("Unknown");
+    // Values are always shown; a title or description is left out when any
+    // line collected so far (for the whole window) already contains it.
+    const std::string value = windows::readString(from, "AXValue");
+    if (!value.empty()) into.append("[" + role + "] " + value);
+    const std::string title = windows::readString(from, "AXTitle");
+    if (!title.empty() && !into.anyContains(title)) into.append("[" + role + " Title] " + title);
+    const std::string description = windows::readString(from, "AXDescription");
+    if (!description.empty() && !into.anyContains(description))
+        into.append("[" + role + " Description] " + description);
+
+    for (const Element& child : windows::childrenOf(from)) {
+        if (child) collectText(child, into, depth + 1);
+    }
+}
+
+std::vector<std::string> WindowOps::getMenuItems(const Element& menu) {
+    std::vector<std::string> items;
+    for (const Element& child : windows::childrenOf(menu)) {
+        if (!child) continue;
+        std::string title = windows::readString(child, "AXTitle");
+        if (!title.empty()) items.push_back(std::move(title));
+    }
+    return items;
+}
+
+std::vector<std::string> WindowOps::getWindowText(const std::string& appName, const std::string& windowName) {
+    const platform::RunningApp app = getApp(appName);
+    const Element window = getWindow(app, windowName);
+    TextLines lines;
+    collectText(window, lines, 0);
+    return lines.take();
+}
+
+std::vector<std::string> WindowOps::getPopupMenuItems(const std::string& appName, const std::string& windowName,
+                                                      const std::string& popupName) {
+    const platform::RunningApp app = getApp(appName);
+    const Element window = getWindow(app, windowName);
+    // A missing popup is reported as a missing button.
+    const Element popup = findElement(window, "AXPopUpButton", popupName, 0);
+    if (!popup) throw WindowError::buttonNotFound(popupName);
+
+    platform::Platform& p = platform::current();
+    // Opening the menu; whether the press worked shows in the menu read below.
+    (void)p.performAction(popup, "AXPress");
+    p.sleep(0.05);
+
+    // The menu is exposed as the popup's "AXMenu" attribute, or only as a
+    // child of role "AXMenu". The opened menu is left open.
+    auto menu = platform::asElement(p.copyAttributeValue(popup, "AXMenu"));
+    if (menu.ok()) return getMenuItems(menu.value);
+    for (const Element& child : windows::childrenOf(popup)) {
+        if (child && windows::roleOf(child) == "AXMenu") return getMenuItems(child);
+    }
+    return {};
+}
+
+}  // namespace zeblo
