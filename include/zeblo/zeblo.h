@@ -46,10 +46,48 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#if defined(_WIN32)
+/*
+** VERSION
+**
+** The version of this header, which is the version of the library it comes
+** with.  The build system reads the version from the three numeric
+** lines below; keep each of them on its own line in the form
+** "#define ZEBLO_VERSION_X N".  ZEBLO_VERSION_STRING is the same version as
+** text.  The version is not available at run time: the library has no
+** version function.
+*/
+#define ZEBLO_VERSION_MAJOR 0
+#define ZEBLO_VERSION_MINOR 1
+#define ZEBLO_VERSION_PATCH 0
+#define ZEBLO_VERSION_STRING "0.1.0"
+
+/*
+** ZEBLO_API marks the 25 functions of the library.
+**
+**   - The library's own sources define ZEBLO_BUILDING_LIBRARY: the functions
+**     are exported (__declspec(dllexport) on Windows, default visibility
+**     with GCC and clang).
+**   - A consumer defines nothing: on Windows the functions are imported from
+**     the DLL (__declspec(dllimport)); a consumer that links the library
+**     statically on Windows defines ZEBLO_STATIC first, which leaves
+**     ZEBLO_API empty.  Elsewhere the visibility attribute is harmless for a
+**     consumer; with a compiler that has neither, ZEBLO_API is empty.
+**
+** Only the zeblo_* functions below are exported; nothing else in the library
+** is visible to the dynamic linker.
+*/
+#if defined(_WIN32) || defined(__CYGWIN__)
+#if defined(ZEBLO_BUILDING_LIBRARY)
 #define ZEBLO_API __declspec(dllexport)
+#elif defined(ZEBLO_STATIC)
+#define ZEBLO_API
 #else
+#define ZEBLO_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__) || defined(__clang__)
 #define ZEBLO_API __attribute__((visibility("default")))
+#else
+#define ZEBLO_API
 #endif
 
 #ifdef __cplusplus
