@@ -2,7 +2,10 @@
 ** ZEBLOui: drive other running desktop applications the way a user would.
 **
 ** This header is the library's whole interface: 25 functions with C linkage
-** and plain C types, usable from C, C++ and Swift.
+** and plain C types, usable from C, C++ and Swift.  It is also the library's
+** reference: each function's block says what it takes, what it returns, how
+** it fails, what it logs and who frees what.  The blocks describe the macOS
+** desktop; PLATFORMS (below) says what differs on Linux and elsewhere.
 **
 ** CONVENTIONS THAT HOLD FOR EVERY FUNCTION
 **
@@ -20,25 +23,93 @@
 ** count is read as 0; a NULL array with a positive count is read as empty.
 ** The array is never read when it is treated as empty.
 **
-** Results.  Boolean functions return true or false; the ones that can fail
-** for a reason write exactly one line to the system log when they do, made of
-** the function's name, " error: " and the error's description.
-** String functions return a new NUL-terminated UTF-8 string holding JSON.
-** The caller owns it and releases it exactly once with zeblo_free_string().
-** String functions always return a string, in success and in failure alike
-** (an error object {"error": "..."} or a documented fallback such as "[]");
-** they return NULL only when the memory for the copy cannot be had.
+** Boolean results.  A boolean function answers true or false.  The ones that
+** can fail for a reason write exactly one FAILURE LINE to the system log
+** when they do: the function's name, " error: " and the error's
+** description, e.g.
+**     zeblo_click_button error: Button 'OK' not found in window
+** The QUIET ones (zeblo_menu_item_exists, zeblo_menu_item_enabled,
+** zeblo_is_in_text_field, zeblo_window_exists, zeblo_wait_for_window) never
+** write a failure line: their false means "no" as well as "could not tell".
+** Some functions also write DIAGNOSTIC LINES (each block names them); they
+** come before the failure line, are written on success too, and are not part
+** of the answer.  Log lines go to the unified log (NSLog) on macOS and to
+** syslog elsewhere (see PLATFORMS).
 **
-** Threads.  Every function runs synchronously on the calling thread and
-** blocks it until the work, including any waiting it does, is finished.  The
-** library starts no threads, takes no locks and keeps no state between calls:
-** every call looks the application, window and elements up afresh.  Calls
-** from several threads are safe; they meet only in the desktop itself (the
-** same application, the same pasteboard, the same event stream).
+** Error descriptions.  An error's description (the text after " error: ",
+** and the text of an error object) is one of:
+**   - a window error, with a fixed text (the WINDOWS functions):
+**       "Application 'NAME' not found. Check if the app is running."
+**       "Window 'NAME' not found. Check if the window exists and is visible."
+**       "Button 'NAME' not found in window"
+**       "Checkbox 'NAME' not found in window"
+**       "No frontmost application"
+**       "Failed to perform click action"
+**       "Failed to close window"
+**       "Operation timed out"
+**     NAME is the name asked for, or "<focused>" when the first window was
+**     asked for (NULL / "") and there is none;
+**   - an application, menu or keystroke-target error, which has no text of
+**     its own and gives the generic description
+**       "The operation couldn't be completed. (ZEBLOui.TYPE error N.)"
+**     whose apostrophe is U+2019 (RIGHT SINGLE QUOTATION MARK, the bytes
+**     E2 80 99), with TYPE and N one of:
+**       AppError        0 application not found, 1 no frontmost
+**                       application, 2 activation failed, 3 launch failed
+**       MenuError       0 application not found, 1 menu item not found,
+**                       2 no frontmost application, 3 menu bar not found,
+**                       4 empty menu path, 5 the item refused to be chosen
+**       KeystrokeError  0 application not found, 1 no frontmost application
+**   - a keystroke failure, with the text given in the function's block
+**     (e.g. "Invalid key character: K").
+**
+** String results.  A string function returns a new NUL-terminated UTF-8
+** string holding JSON, compact (no blanks) unless its block says otherwise.
+** In JSON strings '"', '\' and the control characters are escaped, '/' is
+** written as "\/", and every other character is written as UTF-8.
+** String functions always return a string, in success and in failure
+** alike: on failure an ERROR OBJECT, exactly {"error": "DESCRIPTION"} (one
+** blank after the colon), or the function's FALLBACK ("[]" or "{}") where
+** its block says so.  A result that would not be well-formed UTF-8 also
+** gives the fallback (the shipped backends hand up U+FFFD for ill-formed
+** text, so this does not happen in practice); an unforeseen error gives an
+** error object with its text (the fallback, for the functions that never
+** return an error object); an error whose text cannot be built gives
+** {"error": "out of memory"}.  A string function returns NULL only when the
+** memory for the copy cannot be had.
+**
+** Memory.  The caller owns every returned string and releases it exactly
+** once with zeblo_free_string(), from any thread; never with another
+** allocator's free().  The library keeps no pointer to any argument after
+** the call returns.
+**
+** Threads and state.  Every function runs synchronously on the calling
+** thread and blocks it until the work, including any waiting, is finished:
+** pauses and polls are sleeps on the calling thread, and a call to an
+** application that does not answer blocks until the platform's timeout.  The
+** library starts no threads (on Linux it starts processes: the applications
+** it launches and the clipboard holder, see PLATFORMS).  Every call looks
+** the application, window and elements up afresh: no application, window,
+** element or event is remembered from one call to the next, and every handle
+** a call obtains is released before it returns.  What the library does keep:
+**   - the desktop backend, chosen at the first call of any function and kept
+**     until the process ends (see PLATFORMS; a desktop that could not be
+**     reached at that first call is not tried again);
+**   - on Linux, that backend's display and bus connections and its lock, and
+**     after a paste a clipboard holder process that outlives the call (see
+**     PLATFORMS, "Linux: what is kept, and the lock").
+** Calls from several threads are safe.  On macOS the library takes no locks
+** of its own: calls run side by side.  On Linux every step of the backend
+** holds one process-wide lock, so concurrent calls interleave step by step.
+** Either way calls meet in the desktop itself (the same application, the
+** same pasteboard, the same event stream), and two calls that drive the same
+** application or the keyboard at once interfere as two users would.
 **
 ** Permission.  On macOS the host process needs the accessibility permission
 ** (System Settings > Privacy & Security > Accessibility) for everything that
-** reads or drives other applications' elements.
+** reads or drives other applications' elements; without it element reads
+** and actions fail and the keystrokes the library posts are not delivered.
+** On Linux there is no permission to grant (see PLATFORMS).
 */
 #ifndef ZEBLO_ZEBLO_H
 #define ZEBLO_ZEBLO_H
@@ -90,34 +161,232 @@
 #define ZEBLO_API
 #endif
 
+/*
+** PLATFORMS
+**
+** The library drives the desktop through one backend, chosen at the first
+** call of any function and kept for the life of the process:
+**   - macOS: the real desktop (the accessibility API, CoreGraphics events,
+**     NSWorkspace, the general NSPasteboard, NSLog).  The function blocks
+**     below are written in its terms.
+**   - Linux: the real X11 desktop (AT-SPI2 through libatspi, XTest, Xlib),
+**     when the library was built with it and, at that first call, DISPLAY
+**     is set and opens with the XTEST extension, the session bus can be
+**     reached (DBUS_SESSION_BUS_ADDRESS, or XDG_RUNTIME_DIR/bus) and the
+**     accessibility registry answers.  Otherwise, and on other systems:
+**   - an empty desktop: no application runs and none is in front (every
+**     lookup fails with its "not found" or "no frontmost application"
+**     answer), key events go nowhere and succeed, the pasteboard is private
+**     and in memory, pauses and waits take no real time, and log lines go to
+**     syslog.
+**
+** macOS.  The backend keeps nothing and takes no locks.  Each accessibility
+** call is a message to the other process and can block until it answers or
+** the system's timeout runs out.  The workspace's list of applications is
+** refreshed when the host's main run loop turns: a host that never runs it
+** sees applications launched since its last turn as missing.  Log lines go
+** to NSLog.
+**
+** LINUX: WHAT EACH FUNCTION DOES DIFFERENTLY
+**
+** Applications (every function that takes appName, zeblo_get_running_apps,
+** zeblo_get_frontmost_info).  The running applications are those registered
+** on the accessibility bus, in the registry's order, named by their
+** accessible name, which for GTK applications is the program name (e.g.
+** "l3afpad"); one whose name or process id the bus does not give is left
+** out.  No application is ever hidden.  An application with at least one
+** window counts as regular (activation policy 0), one without as a
+** background helper.  The frontmost application is the process of the X
+** active window (_NET_ACTIVE_WINDOW and its _NET_WM_PID, so a window manager
+** that sets them is needed); a process that is not on the bus is named by
+** /proc/PID/comm.  Its focused window is its window in the active state,
+** else its window titled like the X active window.
+**
+** Windows and controls.  An application's windows ("AXWindows") are its
+** showing frames, dialogs, file choosers, alerts, color choosers and titled
+** popup windows, titled by their accessible name.  Roles: "AXButton" is a
+** push button, "AXCheckBox" a check box or toggle button, "AXPopUpButton" a
+** combo box without an entry (its "AXMenu" is its menu child),
+** "AXTextField" / "AXTextArea" single- / multi-line text, "AXComboBox" a
+** combo box with an entry, "AXSecureTextField" a password field,
+** "AXStaticText" a label (docs/linux-backend.md has the whole table).  The
+** menu bar of an application is that of its focused window, else of its
+** first window that has one.
+**
+** Actions (zeblo_menu_click, zeblo_click_button, zeblo_click_checkbox,
+** zeblo_get_popup_menu_items).  "AXPress" and "AXPick" both run the
+** element's first action named click, press, activate or toggle (in that
+** order of preference).  An insensitive (disabled) element and one without
+** such an action refuse.  GTK runs actions asynchronously: true means the
+** action was accepted; its effect may come after the call returns.
+**
+** zeblo_set_checkbox_value.  Only 0 and 1 are accepted; any other value
+** fails with "Failed to perform click action".  The checkbox is pressed when
+** its checked state differs from the value and left alone (true) when it
+** already matches; an insensitive one refuses the press.
+**
+** zeblo_close_window.  The close button sends WM_DELETE_WINDOW to the
+** process's X window whose title equals the window's, else to its only X
+** window; a press succeeds when the request is sent.  The application may
+** still keep the window (e.g. to ask about unsaved changes).
+**
+** zeblo_get_window_text.  A label gives its text as a value line
+** ("[AXStaticText] TEXT"), not as a title.  Checkbox values are numbers and
+** give no line.  A password field gives one U+2022 (BULLET) per character,
+** never its text.
+**
+** zeblo_get_app_menus.  "checked" is the item's checked state.  "cmdChar"
+** and "cmdModifiers" come from the accelerator of the item's key binding
+** (e.g. "<Primary>n" gives "N" and 0), with the bits 1 Shift, 2 Option
+** (Alt), 4 Control (Super, Meta) and 8 no Command; Control and <Primary>
+** count as Command, because the command flag is sent as Control.  An item
+** with a submenu has neither.  Disabled items are listed with their key.
+**
+** Keyboard (zeblo_send_keystroke, zeblo_send_global_keystroke,
+** zeblo_type_text, zeblo_paste_text and the Return of
+** zeblo_paste_into_focused_field).  Key codes stay the library's US key
+** codes (the macOS virtual key codes); each is mapped to the keysym that key
+** gives on a US keyboard without modifiers, and sent with XTest on whatever
+** key gives that keysym in the current keymap.  A code with no such keysym,
+** or a keysym the keymap lacks, is skipped silently (the call still
+** succeeds).  The flags become modifier keys: Shift is Shift_L, Control AND
+** Command are Control_L (so the command flag of a keystroke is sent as
+** Control, and Command-V pastes), Option is Alt_L; they go down before a key
+** goes down and up right after the first key comes up.  The event marker of
+** typed and global events is dropped: X11 events carry no such field.
+** Events cannot fail to be made, so the "Failed to create ..." failures do
+** not occur.
+**
+** Activation (zeblo_send_keystroke, zeblo_focus_app, zeblo_launch_app).  The
+** activation options are ignored: the last managed window of the process
+** (in _NET_CLIENT_LIST order) is sent a _NET_ACTIVE_WINDOW request, raised
+** and, when it is viewable, given the input focus.  A process with no
+** managed window cannot be activated (zeblo_focus_app then fails with
+** AppError 2; zeblo_send_keystroke does not check).
+**
+** Launching (zeblo_launch_app, zeblo_focus_app with shouldLaunch).  "" is
+** refused.  A running application of exactly that name is activated instead
+** (the answer is the activation's).  Otherwise the first Exec line of
+** /usr/share/applications/NAME.desktop or
+** /usr/local/share/applications/NAME.desktop (split at blanks, field codes
+** such as %U dropped), else NAME itself, looked up in PATH, is started
+** detached (a session of its own, adopted by init, standard input, output and
+** error on /dev/null).  True when the program could be executed.
+**
+** Pasteboard (zeblo_paste_text).  The pasteboard is the CLIPBOARD selection,
+** and the save and restore cover ONLY TEXT: the save asks the selection's
+** owner for UTF8_STRING, then STRING (waiting up to 1 s for each), and every
+** other type is lost.  While pasting, this process owns CLIPBOARD with the
+** text (offered as UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT and
+** text/plain) and answers requests only during the call's pauses (0.01 s
+** before and 0.05 s after the Control-V): an application that asks later
+** gets nothing.  Afterwards the selection is given up; when text was saved,
+** a CLIPBOARD HOLDER is started: a detached process (as for launching, with
+** its own display connection) that owns CLIPBOARD with the saved text and
+** keeps serving it after the call returns, until another client takes the
+** selection, and then exits.  The call waits up to 2 s for the holder to own
+** the selection.  When nothing was saved, CLIPBOARD is left without owner.
+**
+** Focus (zeblo_is_in_text_field, zeblo_paste_into_focused_field).  The
+** focused element is the one in the focused and showing states inside the
+** focused window of the process of the X active window.  When that window
+** shows nothing focused, the X input focus is moved to the root window and
+** back and the question is asked again for up to about 0.16 s (a window with
+** nothing focusable pays this on every such call).  "AXSearchField" does not
+** occur.  Values are written through the EditableText interface, so only
+** editable text fields take them.
+**
+** Permission (zeblo_paste_into_focused_field).  There is none: the process
+** counts as trusted when the accessibility registry answers, and no prompt
+** is shown.
+**
+** Log.  Lines go to syslog (LOG_INFO, the line as given, never a format), and
+** also to standard error when the environment variable ZEBLO_LOG_STDERR is 1.
+**
+** LINUX: WHAT IS KEPT, AND THE LOCK
+**
+**   - From the first call until the process ends: one X display connection
+**     with an unmapped 1x1 window of its own (it owns CLIPBOARD during a
+**     paste), and libatspi's connection to the accessibility bus with its
+**     cache of objects.  Opening the display installs, for the whole
+**     process, an Xlib error handler that ignores every error (a window that
+**     has gone away is not worth ending the host for); a host that uses Xlib
+**     itself and needs its own handler installs it again after its first
+**     call.
+**   - One lock for the process (a recursive mutex) around libatspi and Xlib,
+**     which are not thread-safe.  It is held by each step of the backend
+**     (an attribute read, an action, a key event, a workspace or clipboard
+**     operation, a log line, the release of an element), not for a whole
+**     call; a pause takes it in slices of at most 10 ms and answers
+**     CLIPBOARD requests in each.  A step waiting for a slow application
+**     (D-Bus replies time out after 5 s) holds up the other threads' steps.
+**   - Looking an application up first runs up to 10,000 non-blocking
+**     iterations of GLib's global default main context on the calling
+**     thread, to handle queued accessibility-bus signals: a GLib host's
+**     pending sources on that context may be dispatched there.
+**   - After a paste that saved text, the clipboard holder process (above).
+**   - Nothing else: element handles, the bulk reads of a walk
+**     (docs/linux-backend.md) and key events die before the call returns,
+**     and the modifier keys the library pressed are released with the key.
+*/
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* =========================================================================
 ** MENUS
+** In all of these, appName is matched exactly: the first running
+** application, in the workspace's order, whose name equals appName (case and
+** spaces count; canonically equivalent Unicode forms count as equal); NULL /
+** "" means the frontmost application.  A menu path is the titles from the
+** menu bar down, e.g. {"File", "Save"}, each compared whole and exactly in
+** the same way; NULL entries are skipped.  Where a level holds one single
+** untitled item ("" or "(no title)"), that container's own items are
+** searched instead, with the diagnostic line
+**     Skipping container layer, searching in its children
+** Nothing opens a menu, presses an intermediate item or waits.
+** The errors are MenuError (see CONVENTIONS): 4 empty path (checked first,
+** before the application is looked up), 2 no frontmost application, 0 no
+** application of that name, 3 no readable menu bar, 1 a title not found at
+** its level, 5 the item refused to be chosen.
 ** ========================================================================= */
 
 /*
 ** zeblo_get_app_menus: the whole menu bar of an application.
 **
-** appName  optional; exact localized name of a running application (case and
-**          spaces count), or NULL / "" for the frontmost application.
+** appName  optional; exact name, or NULL / "" for the frontmost application.
 **
-** Returns a pretty-printed JSON object (two blanks of indentation):
-**   { "app": NAME, "menus": [ ITEM, ... ] }
-**   ITEM = { "title": string ("(no title)" when the item has none),
-**            "path": [ titles of the ancestors, from the menu bar down ],
-**            "enabled": bool, "checked": bool,
-**            "cmdChar": string        (only when the item has a key equivalent),
-**            "cmdModifiers": integer  (only when the item reports one),
-**            "children": [ ITEM, ... ] (only when the item has a submenu) }
-** NAME is appName, or the frontmost application's name ("Unknown" when it has
-** none).  A menu bar that gives no item list at all gives the one-line text
-** {"app": "NAME", "menus": []}; an empty item list gives the pretty layout.
-** On failure: {"error": "..."} (no such application, no frontmost
-** application, no readable menu bar).  Free the result with
-** zeblo_free_string().  Writes no log line of its own.
+** Returns a pretty-printed JSON object (two blanks of indentation per level,
+** one member or element per line, " : " between a key and its value, an
+** empty array written as []):
+**   { "app" : NAME, "menus" : [ ITEM, ... ] }
+**   ITEM = { "title" : string   ("(no title)" when the item gives no text),
+**            "path" : [ titles of the ancestors, from the menu bar item
+**                       down to the parent; [] for a menu bar item ],
+**            "enabled" : bool   (true when the item does not say),
+**            "checked" : bool   (the item shows a mark),
+**            "cmdChar" : string        (only when the item has a key
+**                                       equivalent),
+**            "cmdModifiers" : integer  (only when the item reports one:
+**                                       1 Shift, 2 Option, 4 Control,
+**                                       8 no Command),
+**            "children" : [ ITEM, ... ] (only when the item has a submenu;
+**                                       never empty) }
+** The members come in that order.  NAME is appName as given, or the
+** frontmost application's name ("Unknown" when it has none).  Below a single
+** untitled container item its items are listed directly.  The whole tree is
+** read, however deep.  A menu bar that gives no item list at all gives the
+** one-line text {"app": "NAME", "menus": []}; an empty item list gives the
+** pretty layout.
+**
+** On failure: an error object with MenuError 2, 0 or 3.  Fallback "{}".
+** Writes no failure line.  Diagnostic lines: for every item, one line
+**     MenuItem 'TITLE' has attribute: NAME
+** per attribute whose name contains "command" or "action" in any case (e.g.
+** AXMenuItemCmdChar: usually several lines per item).
+** Free the result with zeblo_free_string().
+** Linux: see PLATFORMS, zeblo_get_app_menus.
 */
 ZEBLO_API const char *zeblo_get_app_menus(const char *appName);
 
@@ -125,52 +394,85 @@ ZEBLO_API const char *zeblo_get_app_menus(const char *appName);
 ** zeblo_menu_click: choose a menu item by its path of titles.
 **
 ** appName        optional; exact name, or NULL / "" for the frontmost app.
-** menuPath       titles from the menu bar down, e.g. {"File", "Save"};
-**                each compared whole and exactly; NULL entries are skipped.
+** menuPath       the titles from the menu bar down, e.g. {"File", "Save"};
+**                NULL, or a count of 0 or less, is the empty path.
 ** menuPathCount  number of entries in menuPath.
 **
-** Presses the item ("AXPress", or "AXPick" when the press is refused).
-** Returns true when the item was chosen.  On failure returns false and logs
-** "zeblo_menu_click error: " and the error (empty path, no such application,
-** no menu bar, a title not found, or the item refused both actions; in the
-** last case the item's available actions are logged first).
+** Performs "AXPress" on the item, or "AXPick" when the press is refused.
+** Returns true when the item accepted one of them.  On failure returns false
+** and logs "zeblo_menu_click error: " and the description of MenuError 4,
+** 2, 0, 3, 1 or 5.  Before a 5, when the item's actions can be read, it logs
+**     Menu item execute failed. Available actions (N):
+** and one line per action: two blanks and the action's name.
+** Linux: a disabled item refuses (5); the action runs asynchronously.
 */
 ZEBLO_API bool zeblo_menu_click(const char *appName, const char *const *menuPath,
                                 int32_t menuPathCount);
 
 /*
 ** zeblo_menu_item_exists: whether a menu path leads to an item.
-** Arguments as zeblo_menu_click.  Returns false on any failure; logs nothing.
+**
+** Arguments as zeblo_menu_click.  Nothing is pressed.
+**
+** Returns true when every title of the path is found, enabled or not.
+** Returns false for an empty path, no such application, no frontmost
+** application, no menu bar, a title not found, or any other failure.  Quiet:
+** no failure line (only the container diagnostic line of MENUS).
 */
 ZEBLO_API bool zeblo_menu_item_exists(const char *appName, const char *const *menuPath,
                                       int32_t menuPathCount);
 
 /*
 ** zeblo_menu_item_enabled: whether the item at a menu path is enabled.
-** Arguments as zeblo_menu_click.  Returns false when the item is disabled,
-** cannot be found, or does not report its state.  Logs nothing.
+**
+** Arguments as zeblo_menu_click.  Nothing is pressed.
+**
+** Returns true only when the item is found (as zeblo_menu_item_exists) and
+** its "AXEnabled" reads as true.  Returns false when it is disabled, cannot
+** be found, does not report its state as a boolean, or on any other failure.
+** Quiet: no failure line (only the container diagnostic line of MENUS).
+** Linux: enabled is the item's sensitive state.
 */
 ZEBLO_API bool zeblo_menu_item_enabled(const char *appName, const char *const *menuPath,
                                        int32_t menuPathCount);
 
 /* =========================================================================
 ** KEYBOARD AND TEXT
+** Key events are posted at the HID event tap, where hardware events enter,
+** so they go to whatever has the keyboard focus when they arrive.  Keys are
+** named by the virtual key codes of a US keyboard, and typing assumes a US
+** keyboard layout.  A true answer means the events were posted, not that an
+** application took them.  Keystroke failures are errors whose description is
+** the text given in each block.  Linux: see PLATFORMS, Keyboard.
 ** ========================================================================= */
 
 /*
 ** zeblo_send_keystroke: press one key, with modifiers, in an application.
 **
-** appName    optional; exact name, or NULL / "" for the frontmost app.  The
-**            application is activated, then the key is pressed 0.05 s later.
-** keyChar    required; a letter, a digit, one of  ` - = [ ] \ ; ' , . /
-**            space, tab, line feed (Return), backspace (Delete), escape, or
-**            "f1".."f12", "left", "right", "up", "down" (any case).
+** appName    optional; exact name (the first running application whose name
+**            equals it; case counts, canonically equivalent forms are
+**            equal), or NULL / "" for the frontmost application.
+** keyChar    required; the whole text, fully lower-cased, names the key
+**            (nothing is trimmed): a letter a-z, a digit, one of
+**            ` - = [ ] \ ; ' , . /  a space, "\t" (Tab), "\n" (Return),
+**            "\b" (Delete, i.e. backspace), "\x1b" (Escape), or "f1".."f12",
+**            "left", "right", "up", "down".  "\r" is not Return.
 ** modifiers  bit 0 Shift, bit 1 Control, bit 2 Option, bit 3 Command;
 **            other bits are ignored.
 **
-** Returns true when sent; false with a "zeblo_send_keystroke error: " log
-** line for an unknown key, no such application, or events that cannot be
-** made.
+** The key is checked first, then the application is looked up and
+** activated (plain activation; its answer is not examined), and 0.05 s later
+** the key goes down and up.  Both events carry exactly the chosen modifier
+** flags (none when none is chosen, whatever keys are held), come from no
+** event source and are not marked.
+**
+** Returns true when both events were posted.  On failure returns false and
+** logs "zeblo_send_keystroke error: " and one of
+**   "Invalid key character: KEY"       (KEY as given)
+**   KeystrokeError 0 (no application of that name) or 1 (no frontmost
+**   application), with the generic description
+**   "Failed to create key down event", "Failed to create key up event"
+** Linux: activation as in PLATFORMS, Activation; Command is sent as Control.
 */
 ZEBLO_API bool zeblo_send_keystroke(const char *appName, const char *keyChar, int32_t modifiers);
 
@@ -178,43 +480,87 @@ ZEBLO_API bool zeblo_send_keystroke(const char *appName, const char *keyChar, in
 ** zeblo_send_global_keystroke: press a chord of raw virtual key codes into
 ** whatever has the keyboard focus.
 **
-** keyCodes       the codes, pressed in order and released in reverse order.
+** keyCodes       the codes, pressed down in order, then released in reverse
+**                order.
 ** keyCodesCount  number of codes; 0 presses nothing (and succeeds when an
 **                event source can be made).
 ** modifierFlags  event flag mask; only Shift 0x20000, Control 0x40000,
-**                Option 0x80000 and Command 0x100000 are kept.  With none of
-**                them the events keep the flags they are created with.
+**                Option 0x80000 and Command 0x100000 are kept.  When any of
+**                them is given, every event carries exactly those flags;
+**                with none, the events keep the flags their source gives
+**                them (the modifier keys held at that moment).
 **
-** Every event carries the marker 0x5A45424C4F in event field 127.
-** Returns true when sent; false with a "zeblo_send_global_keystroke error: "
-** log line when an event cannot be made.
+** The events come from a new event source in the HID system state, and
+** every one carries the marker 0x5A45424C4F ("ZEBLO" in ASCII) in event
+** field 127, so that an event tap can tell them from the user's.
+**
+** Returns true when all events were posted.  On failure returns false and
+** logs "zeblo_send_global_keystroke error: " and one of
+**   "Failed to create event source"                      (nothing pressed)
+**   "Failed to create key down event for keycode N"
+**   "Failed to create key up event for keycode N"
+** (after the last two, the events before have been posted: keys may be
+** left down).
+** Linux: no marker; the flags are pressed as modifier keys; codes without a
+** keysym are skipped (PLATFORMS, Keyboard).
 */
 ZEBLO_API bool zeblo_send_global_keystroke(const uint16_t *keyCodes, int32_t keyCodesCount,
                                            uint64_t modifierFlags);
 
 /*
 ** zeblo_type_text: type text key by key, as on a US keyboard, into whatever
-** has the keyboard focus (0.005 s per character).
+** has the keyboard focus.
 **
-** text        required; printable ASCII, tab and line feed can be typed.
+** text        required; typed one user-perceived character (extended
+**             grapheme cluster) at a time.  97 characters can be typed: the
+**             printable ASCII characters U+0020 to U+007E, tab and line feed
+**             (Return).
 ** markEvents  put the marker 0x5A45424C4F in event field 127 of every event.
 **
-** Stops at the first character that cannot be typed: false, with the log line
-** "zeblo_type_text error: Unsupported character: 'C'" (the characters before
-** it have been typed).
+** Letters, digits and unshifted symbols are one key press whose events keep
+** the flags of their source.  Upper-case letters and the 21 shifted symbols
+** ! @ # $ % ^ & * ( ) _ + { } | : " < > ? ~ are typed as the Shift key
+** (code 56) down, the unshifted key down and up carrying exactly the Shift
+** flag, and Shift up.  Each character is followed by a 0.005 s pause.  The
+** events come from a new event source in the HID system state, made first
+** (so an empty text fails too when none can be made).
+**
+** Returns true when the whole text was typed.  Stops at the first character
+** that cannot be typed (e.g. "\r", CR LF, "\x08", an accented letter, an
+** emoji); the characters before it have been typed.  On failure returns
+** false and logs "zeblo_type_text error: " and one of
+**   "Unsupported character: 'C'"          (C the character as given)
+**   "Failed to create event source"       (nothing typed)
+**   "Failed to create shift down event", "Failed to create key down event",
+**   "Failed to create key up event", "Failed to create shift up event"
+** Linux: no marker; a shifted character is Shift with the US key's keysym,
+** so what it gives depends on the keymap (PLATFORMS, Keyboard).
 */
 ZEBLO_API bool zeblo_type_text(const char *text, bool markEvents);
 
 /*
 ** zeblo_paste_text: paste any text into whatever has the keyboard focus,
-** through the general pasteboard.
+** through the general pasteboard, and put the pasteboard back.
 **
 ** text  required; any characters.
 **
-** Saves every type and data of the pasteboard, writes the text, presses
-** Command-V, then puts the saved pairs back (gathered into one item).  Takes
-** at least 0.06 s.  Returns false with a "zeblo_paste_text error: " log line
-** when the keystroke cannot be made; the pasteboard then holds the text.
+** Steps: every (type, data) pair of every pasteboard item whose data can be
+** read is saved; the pasteboard is cleared and given the text as
+** "public.utf8-plain-text"; pause 0.01 s; Command-V (key code 9, down and
+** up, each carrying exactly the Command flag and the marker 0x5A45424C4F in
+** field 127, from a new HID-state event source); pause 0.05 s; the pasteboard
+** is cleared and, when anything was saved, every saved pair is written back
+** on ONE item, in saved order (several items come back as one).  Takes at
+** least 0.06 s.  Whether the focused application pasted is not known.
+**
+** Returns true when Command-V was posted.  On failure returns false and logs
+** "zeblo_paste_text error: " and one of
+**   "Failed to create event source", "Failed to create Cmd+V key down",
+**   "Failed to create Cmd+V key up"
+** and the pasteboard then holds the text alone: the saved contents are lost.
+** Linux: the CLIPBOARD selection, only text is saved and restored, Control-V,
+** and a clipboard holder process serves the restored text after the call
+** (PLATFORMS, Pasteboard).
 */
 ZEBLO_API bool zeblo_paste_text(const char *text);
 
@@ -224,76 +570,251 @@ ZEBLO_API bool zeblo_paste_text(const char *text);
 ** Return.
 **
 ** text       required; becomes the field's whole value.
-** sendEnter  press Return afterwards.
+** sendEnter  press Return (key code 36, down and up, marked, from a new
+**            HID-state event source) once the value is set; a Return that
+**            cannot be made is not reported.
 **
-** When the focused element is not a text field (or refuses the value), its
-** direct children are tried in order.  May show the system's accessibility
-** permission prompt.  Returns false with a
-** "zeblo_paste_into_focused_field error: " log line when the process is not
-** trusted, nothing has focus, or no element took the value.
+** First asks the system whether the process is trusted, with the prompt
+** option: the first time, macOS may show its dialog offering to open the
+** accessibility settings.  Then takes the focused element (the system-wide
+** element's "AXFocusedUIElement") and sets its "AXValue" when its role is
+** "AXTextField", "AXTextArea" or "AXSecureTextField" (password fields
+** included) and the value is settable.  When that fails, its direct
+** children are tried in order (never their children).  Diagnostic lines, for
+** each element tried:
+**   setAXValue: Could not get role
+**   setAXValue: Skipping role 'ROLE' - not a text field
+**   setAXValue: Found text field with role 'ROLE'
+**   setAXValue: AXValue is not settable for role: ROLE
+**   setAXValue: Successfully set AXValue for role: ROLE
+**   setAXValue: Failed with error code N for role: ROLE
+**
+** Returns true when an element took the value.  On failure returns false and
+** logs "zeblo_paste_into_focused_field error: " and one of
+**   "Accessibility permission not granted"
+**   "Could not get focused element: N"   (N the accessibility result code
+**                                         of the read, 0 when it succeeded
+**                                         without giving an element)
+**   "Could not set value on focused element"
+** Linux: no permission and no prompt; the focus and the writing of values as
+** in PLATFORMS, Focus.
 */
 ZEBLO_API bool zeblo_paste_into_focused_field(const char *text, bool sendEnter);
 
 /* =========================================================================
 ** WINDOWS AND CONTROLS
-** In all of these, appName is matched exactly first, then loosely (case and
-** white space ignored, a part of the name is enough), NULL / "" meaning the
-** frontmost application; windowName is matched loosely against window
-** titles, NULL / "" meaning the application's first window.  Controls are
-** found by loose match of their title, searching 50 levels deep.
+** Applications.  appName NULL / "" means the frontmost application ("No
+** frontmost application" when there is none).  Otherwise the first running
+** application whose name equals appName byte for byte, anywhere in the
+** workspace's order, is taken; failing that, the first whose name matches
+** loosely ("Application 'NAME' not found. Check if the app is running.").
+** (zeblo_get_window_titles matches loosely only.)
+**
+** Loose match.  Both texts are fully lower-cased and stripped of white
+** space; they match when they are then equal, or when the text found on the
+** desktop contains the wanted text as a run of whole characters (canonically
+** equivalent forms counting as equal).  An empty wanted text matches only a
+** found text that is empty or all white space.
+**
+** Windows.  windowName NULL / "" means the application's first window, in
+** the order of its "AXWindows" list.  Otherwise the first window whose title
+** matches windowName loosely is taken; windows whose title cannot be read are
+** passed over.  Not found: "Window 'NAME' not found. Check if the window
+** exists and is visible." (NAME "<focused>" for the first window).
+**
+** Controls.  A control is the first element, in pre-order (document order),
+** of the wanted role whose title matches the given name loosely, searched in
+** the window itself and its descendants down to 49 levels below it.  A
+** child list longer than 9,999 elements is not entered, and an attribute
+** that cannot be read counts as absent.  Walks that collect (buttons, text)
+** stop at 1,000 results.
+**
+** WINDOW LOOKUP LOG LINES.  Every function that looks a window up writes
+** these diagnostic lines for each lookup, once the application is found, in
+** this order and as far as the lookup gets (CODE is the accessibility result
+** code of reading "AXWindows", 0 for success; the texts name macOS calls on
+** every platform):
+**   getWindow: Getting windows for app with PID N
+**   getWindow: Calling AXUIElementCopyAttributeValue for kAXWindowsAttribute
+**   getWindow: AXUIElementCopyAttributeValue result = CODE
+** then, when the read failed (window not found)
+**   getWindow: Failed to get windows attribute, result = CODE
+** or, when it gave no list (window not found)
+**   getWindow: windowsRef is nil
+** or else
+**   getWindow: Got windowsRef, casting to CFArray
+**   getWindow: Getting array count
+**   getWindow: Found N windows
+**   getWindow: No windows found                     (when N is 0: not found)
+** then, for a named window,
+**   getWindow: Searching for window named 'NAME'
+**   getWindow: Window I pointer is nil, skipping    (for each null entry)
+**   getWindow: Found matching window 'TITLE'
+** or, when none matches (not found),
+**   getWindow: No matching window found for 'NAME'
+** or, for the first window,
+**   getWindow: Getting first window (focused)
+**   getWindow: First window pointer is nil          (not found)
+** or
+**   getWindow: Using Unmanaged to get window reference
+**   getWindow: Returning first window
+** The functions that look a window up are zeblo_click_button,
+** zeblo_click_checkbox, zeblo_set_checkbox_value, zeblo_get_window_buttons,
+** zeblo_get_popup_menu_items, zeblo_get_window_text, zeblo_window_exists,
+** zeblo_wait_for_window (conditions 0 and 1, at every poll) and
+** zeblo_close_window (at every attempt and check).  The lines are written on
+** success and failure alike, by the quiet functions too.
 ** ========================================================================= */
 
 /*
 ** zeblo_click_button: press a button of a window.
-** buttonName required.  Returns true when pressed ("AXPress", or "AXPick"
-** when the press is refused); false with a "zeblo_click_button error: " log
-** line otherwise.
+**
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; see WINDOWS AND CONTROLS.
+** buttonName  required; the title of a button (role "AXButton"), matched
+**             loosely.
+**
+** Performs "AXPress" on the button, or "AXPick" when the press is refused.
+** Returns true when the button accepted one of them.  On failure returns
+** false and logs "zeblo_click_button error: " and one of the window errors
+** "No frontmost application", "Application 'NAME' not found. ...", "Window
+** 'NAME' not found. ...", "Button 'NAME' not found in window", or "Failed to
+** perform click action" (both actions refused).  Also writes the window
+** lookup log lines.
+** Linux: a disabled button refuses; the press runs asynchronously.
 */
 ZEBLO_API bool zeblo_click_button(const char *appName, const char *windowName,
                                   const char *buttonName);
 
 /*
 ** zeblo_click_checkbox: press (toggle) a checkbox of a window.
-** checkboxName required.  Returns true when pressed; false with a
-** "zeblo_click_checkbox error: " log line otherwise.
+**
+** appName       optional; see WINDOWS AND CONTROLS.
+** windowName    optional; see WINDOWS AND CONTROLS.
+** checkboxName  required; the title of a checkbox (role "AXCheckBox"),
+**               matched loosely.
+**
+** Performs "AXPress" on the checkbox (there is no "AXPick" fallback); what
+** the press does to its state is the application's business.
+** Returns true when the checkbox accepted the press.  On failure returns
+** false and logs "zeblo_click_checkbox error: " and one of the application
+** and window lookup errors, "Checkbox 'NAME' not found in window", or
+** "Failed to perform click action".  Also writes the window lookup log
+** lines.
+** Linux: check boxes and toggle buttons; a disabled one refuses.
 */
 ZEBLO_API bool zeblo_click_checkbox(const char *appName, const char *windowName,
                                     const char *checkboxName);
 
 /*
 ** zeblo_get_window_buttons: the titles of all titled buttons of a window.
-** Returns a JSON array of strings in document order, duplicates kept, at most
-** 1,000 (e.g. ["OK","Cancel"]), or an error object such as
-** {"error": "Window 'X' not found"}.  Logs its progress.  Free the result with
-** zeblo_free_string().
+**
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; see WINDOWS AND CONTROLS.
+**
+** Returns a JSON array of the non-empty titles of the window's buttons (role
+** "AXButton"), in pre-order, duplicates kept, at most 1,000, e.g.
+** ["OK","Cancel"].  On failure returns an error object with a SHORTER text
+** than the other functions': {"error": "Application 'NAME' not found"},
+** {"error": "Window 'NAME' not found"} or {"error": "No frontmost
+** application"}.  Fallback "[]" (also when memory runs out while logging).
+**
+** Writes no failure line, but these diagnostic lines, in order (APP and
+** WINDOW as given, "" for NULL):
+**   zeblo_get_window_buttons called
+**   Calling WindowOps.getWindowButtons(app: 'APP', window: 'WINDOW')
+**   getWindowButtons called: app=APP, window=WINDOW
+**   Got app: NAME                     (the application's name, or "unknown")
+**   About to call getWindow...
+**   (the window lookup log lines)
+**   getWindow threw error: CASE       (window not found)
+**   Successfully got window
+**   Got window, collecting buttons...
+**   getAllButtons: Starting collection
+**   getAllButtons: Calling collectElements
+**   collectElements: Found button 'TITLE'      (for each button)
+**   collectElements: Hit max recursion depth   (each time the walk would go
+**                                               below 49 levels)
+**   collectElements: Hit max results count     (each element not visited
+**                                               once 1,000 are collected)
+**   getAllButtons: Collection complete, found N buttons
+**   Found N buttons
+**   Successfully got N buttons, serializing to JSON
+**   Returning JSON: TEXT
+** and, on failure, "WindowError caught: CASE", where CASE names the error
+** and its name, e.g. appNotFound("Nope"), windowNotFound("<focused>") or
+** noFrontmostApp (an unforeseen error logs "Unexpected error: ..." and gives
+** an error object with its description).
+** Free the result with zeblo_free_string().
 */
 ZEBLO_API const char *zeblo_get_window_buttons(const char *appName, const char *windowName);
 
 /*
 ** zeblo_set_checkbox_value: write a number into a checkbox's value.
-** checkboxName required; value is written as it stands (0, 1, 2...).
-** Returns true when written; false with a "zeblo_set_checkbox_value error: "
-** log line otherwise.
+**
+** appName       optional; see WINDOWS AND CONTROLS.
+** windowName    optional; see WINDOWS AND CONTROLS.
+** checkboxName  required; the title of a checkbox (role "AXCheckBox"),
+**               matched loosely.
+** value         written into the checkbox's "AXValue" as a number, as it
+**               stands (0, 1, 2...), even when the checkbox holds it already.
+**
+** Returns true when the checkbox accepted the value.  On failure returns
+** false and logs "zeblo_set_checkbox_value error: " and one of the
+** application and window lookup errors, "Checkbox 'NAME' not found in
+** window", or "Failed to perform click action" (the value was refused).
+** Also writes the window lookup log lines.
+** Linux: only 0 and 1; the checkbox is pressed when its state differs
+** (PLATFORMS, zeblo_set_checkbox_value).
 */
 ZEBLO_API bool zeblo_set_checkbox_value(const char *appName, const char *windowName,
                                         const char *checkboxName, int32_t value);
 
 /*
 ** zeblo_get_popup_menu_items: open a popup button and list its menu's items.
-** popupName required.  Waits 0.05 s after opening.  Returns a JSON array of
-** the non-empty item titles (e.g. ["Small","Medium","Large"], or []), or an
-** error object.  Free the result with zeblo_free_string().
+**
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; see WINDOWS AND CONTROLS.
+** popupName   required; the title of a popup button (role "AXPopUpButton"),
+**             matched loosely.
+**
+** Performs "AXPress" on the popup button (its answer is not examined),
+** pauses 0.05 s, then reads its menu: the popup's "AXMenu", else its first
+** child of role "AXMenu".  The menu is left open.
+** Returns a JSON array of the non-empty titles of the menu's direct children
+** (submenus are not entered), e.g. ["Small","Medium","Large"], or [] when
+** no menu is found.  On failure returns an error object: an application or
+** window lookup error, or {"error": "Button 'NAME' not found in window"}
+** when no popup button matches (it is reported as a button).  Fallback "[]".
+** Writes no failure line; writes the window lookup log lines.
+** Free the result with zeblo_free_string().
 */
 ZEBLO_API const char *zeblo_get_popup_menu_items(const char *appName, const char *windowName,
                                                  const char *popupName);
 
 /*
 ** zeblo_get_window_text: all text a window shows, as labelled lines.
-** Returns a JSON array of strings such as "[AXStaticText] Saved",
-** "[AXButton Title] OK" or "[AXImage Description] Warning", in document
-** order, at most 1,002; a title or description already contained in an
-** earlier line is left out.  On failure an error object.  Free the result
-** with zeblo_free_string().
+**
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; see WINDOWS AND CONTROLS.
+**
+** Walks the window and its descendants in pre-order (with the limits of
+** WINDOWS AND CONTROLS) and gives, for each element, with ROLE its "AXRole"
+** ("Unknown" when it has none), these lines in this order:
+**   "[ROLE] VALUE"               its "AXValue" when that is non-empty text
+**   "[ROLE Title] TITLE"         its non-empty "AXTitle", unless a line
+**                                collected so far contains it
+**   "[ROLE Description] TEXT"    its non-empty "AXDescription", likewise
+** e.g. "[AXStaticText] Saved", "[AXButton Title] OK", "[AXImage
+** Description] Warning".  "Contains" is byte for byte, case-sensitive, in
+** any earlier line of the whole window, its label included.  Values that
+** are not text (numbers, such as a checkbox's) give no line.  No element is
+** visited once 1,000 lines are collected, so there are at most 1,002.
+** Returns a JSON array of the lines.  On failure returns an error object (an
+** application or window lookup error).  Fallback "[]".  Writes no failure
+** line; writes the window lookup log lines.
+** Free the result with zeblo_free_string().
+** Linux: see PLATFORMS, zeblo_get_window_text.
 */
 ZEBLO_API const char *zeblo_get_window_text(const char *appName, const char *windowName);
 
@@ -303,49 +824,86 @@ ZEBLO_API const char *zeblo_get_window_text(const char *appName, const char *win
 
 /*
 ** zeblo_get_frontmost_info: the frontmost application and its focused window.
-** Returns {"app":"NAME","window":"TITLE"} ("" where unknown), or an error
-** object when no application is in front.  Free it with zeblo_free_string().
+**
+** Returns {"app":"NAME","window":"TITLE"}: the frontmost application's name
+** and the title of its focused window ("AXFocusedWindow"), each "" where
+** unknown.  When no application is in front, returns the error object of
+** AppError 1.  Fallback "{}".  Logs nothing.
+** Free the result with zeblo_free_string().
+** Linux: the process of the X active window (PLATFORMS, Applications).
 */
 ZEBLO_API const char *zeblo_get_frontmost_info(void);
 
 /*
 ** zeblo_get_running_apps: the names of the running applications.
-** Returns a JSON array of strings in the workspace's order, a name as often as
-** applications of that name run, nameless ones left out; "[]" at worst, never
-** an error object.  Free it with zeblo_free_string().
+**
+** Returns a JSON array of strings in the workspace's order, background and
+** hidden applications included, a name as often as applications of that
+** name run; applications without a name, or with "", are left out.  "[]" at
+** worst, never an error object.  Logs nothing.
+** Free the result with zeblo_free_string().
+** Linux: the applications on the accessibility bus, by program name.
 */
 ZEBLO_API const char *zeblo_get_running_apps(void);
 
 /*
 ** zeblo_focus_app: bring an application to the front and wait for a window.
 **
-** appName       optional; matched loosely against visible, regular
-**               applications.  NULL / "" does nothing and returns true.
-** windowName    optional; when given and timeout > 0, waits (polling every
-**               0.05 s) until the frontmost window's title matches loosely.
-** shouldSwitch  activate the application.
-** shouldLaunch  launch it when no visible, regular application matches
-**               (then waits 0.5 s and takes any matching application).
-** timeout       milliseconds to wait for the window.
+** appName       optional; matched loosely (see WINDOWS AND CONTROLS) against
+**               the running applications that are visible (not hidden) and
+**               regular (activation policy 0); the first in the workspace's
+**               order wins, even over an exact match later in it.  NULL / ""
+**               does nothing and returns true.
+** windowName    optional; see timeout.
+** shouldSwitch  activate the application (with the option "ignoring other
+**               apps"); a refusal is AppError 2.
+** shouldLaunch  when no visible, regular application matches: ask the
+**               system to launch appName as given (as zeblo_launch_app),
+**               pause 0.5 s, then take the first application of any state
+**               whose name matches loosely.  Without it, or when the launch
+**               is refused or still nothing matches: AppError 0.
+** timeout       milliseconds.  When windowName is neither NULL nor "" and
+**               timeout is 1 or more, polls until the time is out: checks
+**               that the frontmost application's name matches appName
+**               loosely and its focused window's title matches windowName
+**               loosely, then pauses 0.05 s; the time is checked before
+**               every check.  A window that never comes is not an error.
 **
-** Returns true unless the application cannot be found or activated (false,
-** with a "zeblo_focus_app error: " log line).  A window that never comes is
-** not an error.
+** Returns true unless the application cannot be found or activated.  On
+** failure returns false and logs "zeblo_focus_app error: " and the
+** description of AppError 0 or 2.
+** Linux: a regular application is one with a window; none is hidden;
+** activation and launching as in PLATFORMS.
 */
 ZEBLO_API bool zeblo_focus_app(const char *appName, const char *windowName, bool shouldSwitch,
                                bool shouldLaunch, int32_t timeout);
 
 /*
 ** zeblo_launch_app: ask the system to launch an application by name.
-** appName required.  Returns true when the launch was accepted; false with a
-** "zeblo_launch_app error: " log line otherwise.  Does not wait.
+**
+** appName  required; given to the system unchanged: on macOS to
+**          -[NSWorkspace launchApplication:], which takes an application's
+**          name (with or without ".app") or a full path, and brings an
+**          application that already runs to the front.
+**
+** Only the request: no lookup, no activation of its own, no waiting.
+** Returns true when the system accepted the request.  On failure returns
+** false and logs "zeblo_launch_app error: " and the description of
+** AppError 3.
+** Linux: "" fails; see PLATFORMS, Launching.
 */
 ZEBLO_API bool zeblo_launch_app(const char *appName);
 
 /*
-** zeblo_is_in_text_field: whether the keyboard focus is in a text field,
-** text area, combo box or search field (a password field does not count).
-** Returns false on any failure; logs nothing.
+** zeblo_is_in_text_field: whether the keyboard focus is in a text field.
+**
+** Returns true when the element with the keyboard focus (the system-wide
+** element's "AXFocusedUIElement") has the role "AXTextField",
+** "AXTextArea", "AXComboBox" or "AXSearchField".  A password field
+** ("AXSecureTextField") does not count.  Returns false otherwise and on any
+** failure (nothing has focus, the role cannot be read, no permission).
+** Quiet: logs nothing.  Shows no permission prompt.
+** Linux: the focus as in PLATFORMS, Focus (can take about 0.16 s).
 */
 ZEBLO_API bool zeblo_is_in_text_field(void);
 
@@ -354,32 +912,52 @@ ZEBLO_API bool zeblo_is_in_text_field(void);
 ** ========================================================================= */
 
 /*
-** zeblo_window_exists: whether the application runs and has the window
-** (with windowName NULL / "": any window).  Logs the window lookup's
-** diagnostic lines; returns false on any failure.
+** zeblo_window_exists: whether the application runs and has the window.
+**
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; NULL / "" asks whether the application has any
+**             (first) window.
+**
+** Returns true when the application and the window are both found.  Returns
+** false on any failure.  Quiet: no failure line, but writes the window lookup
+** log lines.
 */
 ZEBLO_API bool zeblo_window_exists(const char *appName, const char *windowName);
 
 /*
 ** zeblo_get_window_titles: the titles of an application's windows.
-** appName is matched loosely only (NULL / "": the frontmost application).
-** Returns a JSON array of strings in the window order, untitled windows as
-** "", e.g. ["Inbox","Untitled",""]; "[]" for every failure, never an error
-** object.  Free it with zeblo_free_string().
+**
+** appName  optional; matched LOOSELY only (the first match in the
+**          workspace's order), NULL / "" meaning the frontmost application.
+**
+** Returns a JSON array of the titles in the order of the application's
+** "AXWindows" list, an empty title kept as "", e.g. ["Inbox","Untitled",""];
+** windows whose title cannot be read as text are left out.  "[]" for every
+** failure (no such application, no window list, more than 9,999 windows),
+** never an error object.  Logs nothing.
+** Free the result with zeblo_free_string().
 */
 ZEBLO_API const char *zeblo_get_window_titles(const char *appName);
 
 /*
 ** zeblo_wait_for_window: wait, polling every 0.05 s, for a condition.
 **
-** condition  0: the window exists; 1: the window (or its application) is
-**            gone; 2: the window is in front (the frontmost application
-**            matches appName, or appName is NULL / "", and its focused
-**            window's title matches windowName, or windowName is NULL / "").
-**            Any other value returns false at once.
-** timeout    milliseconds; 0 or less returns false without checking.
+** appName     optional; see WINDOWS AND CONTROLS.
+** windowName  optional; see WINDOWS AND CONTROLS.
+** condition   0: the window exists (as zeblo_window_exists);
+**             1: it does not: the window or its application is gone (or
+**                was never there; any lookup failure counts);
+**             2: the window is in front: the frontmost application's name
+**                matches appName loosely (or appName is NULL / "") and the
+**                title of its focused window matches windowName loosely (or
+**                windowName is NULL / "").
+**             Any other value returns false at once.
+** timeout     milliseconds; 0 or less returns false without checking.
 **
-** Returns true when the condition held before the time ran out.
+** Checks at once, then after every 0.05 s pause until the time is out; no
+** check follows the pause on which the time ran out.  Returns true when the
+** condition held at a check, false otherwise.  Quiet: no failure line;
+** conditions 0 and 1 write the window lookup log lines at every check.
 */
 ZEBLO_API bool zeblo_wait_for_window(const char *appName, const char *windowName,
                                      int32_t condition, int32_t timeout);
@@ -387,13 +965,26 @@ ZEBLO_API bool zeblo_wait_for_window(const char *appName, const char *windowName
 /*
 ** zeblo_close_window: press a window's close button.
 **
-** retryTimeout  negative: one attempt.  0 or more: milliseconds during which
-**               the close is retried every 0.1 s until the window (or its
-**               application) is gone; 0 only checks that it is gone already.
+** appName       optional; see WINDOWS AND CONTROLS.
+** windowName    optional; see WINDOWS AND CONTROLS.
+** retryTimeout  negative: one attempt.  0 or more: milliseconds of rounds
+**               (see below); 0 only checks, once, that the window is gone.
 **
-** Returns true when closed (or gone); false with a
-** "zeblo_close_window error: " log line otherwise ("Failed to close window",
-** "Operation timed out", or a lookup error).
+** An attempt looks the window up, reads its close button ("AXCloseButton")
+** and performs "AXPress" on it; whether the window then goes is not checked.
+** With one attempt: returns true when the press was accepted; on failure
+** returns false and logs "zeblo_close_window error: " and an application or
+** window lookup error, or "Failed to close window" (no close button, or the
+** press refused).
+** With a retry timeout: each round first looks the window up and returns
+** true when that fails (the window or its application is gone, and equally
+** when it never existed, e.g. a misspelled name); otherwise it makes one
+** attempt (a failed attempt is tried again in the next round) and pauses
+** 0.1 s.  When the time is out the window is looked up once more: true when
+** it is gone, else false with the line "zeblo_close_window error: Operation
+** timed out".
+** Writes the window lookup log lines (twice per round).
+** Linux: the press asks the window to close (PLATFORMS, zeblo_close_window).
 */
 ZEBLO_API bool zeblo_close_window(const char *appName, const char *windowName,
                                   int32_t retryTimeout);
@@ -404,7 +995,14 @@ ZEBLO_API bool zeblo_close_window(const char *appName, const char *windowName,
 
 /*
 ** zeblo_free_string: release a string returned by any function above.
-** NULL is accepted and does nothing.  Each string must be released once.
+**
+** ptr  a string returned by zeblo_get_app_menus, zeblo_get_window_buttons,
+**      zeblo_get_popup_menu_items, zeblo_get_window_text,
+**      zeblo_get_frontmost_info, zeblo_get_running_apps or
+**      zeblo_get_window_titles, or NULL (which does nothing).
+**
+** Each string must be released exactly once, and nothing else may be passed.
+** May be called from any thread.  Logs nothing.
 */
 ZEBLO_API void zeblo_free_string(const char *ptr);
 
