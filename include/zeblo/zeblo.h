@@ -383,8 +383,9 @@ extern "C" {
 ** On failure: an error object with MenuError 2, 0 or 3.  Fallback "{}".
 ** Writes no failure line.  Diagnostic lines: for every item, one line
 **     MenuItem 'TITLE' has attribute: NAME
-** per attribute whose name contains "command" or "action" in any case (e.g.
-** AXMenuItemCmdChar: usually several lines per item).
+** per attribute whose name contains "command" or "action" in any case (the
+** standard menu item attributes, such as "AXMenuItemCmdChar", do not; on
+** Linux no item has such an attribute, so no such line is written).
 ** Free the result with zeblo_free_string().
 ** Linux: see PLATFORMS, zeblo_get_app_menus.
 */
@@ -626,8 +627,8 @@ ZEBLO_API bool zeblo_paste_into_focused_field(const char *text, bool sendEnter);
 ** of the wanted role whose title matches the given name loosely, searched in
 ** the window itself and its descendants down to 49 levels below it.  A
 ** child list longer than 9,999 elements is not entered, and an attribute
-** that cannot be read counts as absent.  Walks that collect (buttons, text)
-** stop at 1,000 results.
+** that cannot be read counts as absent.  Walks that collect (button titles,
+** text lines) visit no further element once 1,000 results are collected.
 **
 ** WINDOW LOOKUP LOG LINES.  Every function that looks a window up writes
 ** these diagnostic lines for each lookup, once the application is found, in
