@@ -13,14 +13,17 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 }  // namespace
 
 std::vector<ListedApp> listApplications(bool withNames) {
-    AtspiAccessible* desktop = atspi_get_desktop(0);
-    if (desktop == nullptr) return {};
-    const AtspiObject* registry = ATSPI_OBJECT(desktop);
-    DBusConnection* bus = registry->app != nullptr ? registry->app->bus : nullptr;
-    std::vector<Message> listCall;
-    listCall.push_back(methodCall(busOf(desktop), registry->path, kAccessible, "GetChildren"));
-    const auto references = referencesAnswer(callAll(bus, listCall).front());
-    g_object_unref(desktop);
+    std::optional<std::vector<Reference>> references;
+    DBusConnection* bus = nullptr;
+    {
+        const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
+        if (!desktop) return {};
+        const AtspiObject* registry = ATSPI_OBJECT(desktop.get());
+        bus = registry->app != nullptr ? registry->app->bus : nullptr;
+        std::vector<Message> listCall;
+        listCall.push_back(methodCall(busOf(desktop.get()), registry->path, kAccessible, "GetChildren"));
+        references = referencesAnswer(callAll(bus, listCall).front());
+    }
     std::vector<ListedApp> apps;
     if (!references) return apps;
     for (const auto& [busName, path] : *references) {
@@ -60,30 +63,22 @@ std::vector<ListedApp> listApplications(bool withNames) {
     return apps;
 }
 
-AtspiAccessible* applicationObject(const ListedApp& listed, std::size_t index) {
-    AtspiAccessible* desktop = atspi_get_desktop(0);
-    if (desktop == nullptr) return nullptr;
+AccessibleRef applicationObject(const ListedApp& listed, std::size_t index) {
+    const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
+    if (!desktop) return {};
     // Where it stood a moment ago, normally; otherwise wherever it stands now.
-    const auto isListed = [&](AtspiAccessible* app) { return busOf(app) != nullptr && listed.busName == busOf(app); };
-    AtspiAccessible* found = nullptr;
-    GError* error = nullptr;
-    AtspiAccessible* at = atspi_accessible_get_child_at_index(desktop, static_cast<gint>(index), &error);
-    if (error != nullptr) g_error_free(error);
-    if (at != nullptr && isListed(at)) {
-        found = at;
-    } else {
-        if (at != nullptr) g_object_unref(at);
-        for (AtspiAccessible* app : childrenOf(desktop)) {
-            if (app == nullptr) continue;
-            if (found == nullptr && isListed(app)) {
-                found = app;
-            } else {
-                g_object_unref(app);
-            }
-        }
+    const auto isListed = [&](const AccessibleRef& app) {
+        return app && busOf(app.get()) != nullptr && listed.busName == busOf(app.get());
+    };
+    Error error;
+    AccessibleRef at =
+        AccessibleRef::adopt(atspi_accessible_get_child_at_index(desktop.get(), static_cast<gint>(index), out(error)));
+    if (isListed(at)) return at;
+    at.reset();
+    for (AccessibleRef& app : childrenOf(desktop.get())) {
+        if (isListed(app)) return std::move(app);
     }
-    g_object_unref(desktop);
-    return found;
+    return {};
 }
 
 }  // namespace zeblo::platform::linux_desktop

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/owned.h"
+
 namespace zeblo::platform::linux_desktop {
 
 struct ListedApp {
@@ -27,6 +29,6 @@ std::vector<ListedApp> listApplications(bool withNames);
 
 // The accessible object of `listed`, which stood at `index` of the list, with
 // its own reference; null when it has gone.
-AtspiAccessible* applicationObject(const ListedApp& listed, std::size_t index);
+AccessibleRef applicationObject(const ListedApp& listed, std::size_t index);
 
 }  // namespace zeblo::platform::linux_desktop

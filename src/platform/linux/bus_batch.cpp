@@ -71,23 +71,24 @@ std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& ca
     // At most this many calls wait for answers at once, well below the
     // buses' limit on pending replies per connection.
     constexpr std::size_t kInFlight = 4096;
-    std::vector<DBusPendingCall*> pending;
+    std::vector<PendingCall> pending;
     for (std::size_t first = 0; first < calls.size(); first += kInFlight) {
         const std::size_t end = std::min(calls.size(), first + kInFlight);
-        pending.assign(end - first, nullptr);
+        pending.clear();
+        pending.resize(end - first);
         for (std::size_t i = first; i < end; ++i) {
-            DBusPendingCall*& call = pending[i - first];
-            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), &call, kReplyTimeoutMs)) {
-                call = nullptr;
+            PendingCall& call = pending[i - first];
+            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), out(call), kReplyTimeoutMs)) {
+                call.reset();
             }
         }
         dbus_connection_flush(bus);
         for (std::size_t i = first; i < end; ++i) {
-            DBusPendingCall* call = pending[i - first];
-            if (call == nullptr) continue;
-            dbus_pending_call_block(call);
-            answers[i] = Message(dbus_pending_call_steal_reply(call));
-            dbus_pending_call_unref(call);
+            PendingCall& call = pending[i - first];
+            if (!call) continue;
+            dbus_pending_call_block(call.get());
+            answers[i] = Message(dbus_pending_call_steal_reply(call.get()));
+            call.reset();
         }
     }
     return answers;

@@ -11,12 +11,9 @@
 #include <utility>
 #include <vector>
 
-namespace zeblo::platform::linux_desktop {
+#include "platform/linux/owned.h"
 
-struct MessageUnref {
-    void operator()(DBusMessage* message) const noexcept { dbus_message_unref(message); }
-};
-using Message = std::unique_ptr<DBusMessage, MessageUnref>;
+namespace zeblo::platform::linux_desktop {
 
 // A method call, or null when it cannot be made.
 Message methodCall(const char* destination, const char* path, const char* interface, const char* member);

@@ -22,22 +22,18 @@ bool isPressName(const std::string& name) {
 
 std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
     std::vector<std::string> names;
-    AtspiAction* action = atspi_accessible_get_action_iface(object);
-    if (action == nullptr) {
+    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
+    if (!action) {
         code = kAXErrorSuccess;
         return names;
     }
-    GError* error = nullptr;
-    const int count = atspi_action_get_n_actions(action, &error);
+    Error error;
+    const int count = atspi_action_get_n_actions(action.get(), out(error));
     code = error == nullptr ? kAXErrorSuccess : kAXErrorCannotComplete;
     for (int i = 0; error == nullptr && i < count; ++i) {
-        names.push_back(takeText(atspi_action_get_action_name(action, i, &error)));
+        names.push_back(takeText(atspi_action_get_action_name(action.get(), i, out(error))));
     }
-    if (error != nullptr) {
-        g_error_free(error);
-        code = kAXErrorCannotComplete;
-    }
-    g_object_unref(action);
+    if (error) code = kAXErrorCannotComplete;
     return names;
 }
 
@@ -55,32 +51,22 @@ AXError press(AtspiAccessible* object) {
         }
     }
     if (index < 0) return kAXErrorActionUnsupported;
-    AtspiAction* action = atspi_accessible_get_action_iface(object);
-    if (action == nullptr) return kAXErrorActionUnsupported;
-    GError* error = nullptr;
-    const gboolean done = atspi_action_do_action(action, index, &error);
-    g_object_unref(action);
-    if (error != nullptr) {
-        g_error_free(error);
-        return kAXErrorCannotComplete;
-    }
+    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
+    if (!action) return kAXErrorActionUnsupported;
+    Error error;
+    const gboolean done = atspi_action_do_action(action.get(), index, out(error));
+    if (error) return kAXErrorCannotComplete;
     return done ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
 // Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
 // window of the same process whose title is the frame's name, or the only one.
 AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
-    GError* error = nullptr;
-    const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, &error));
-    if (error != nullptr) {
-        g_error_free(error);
-        return kAXErrorCannotComplete;
-    }
-    const std::string title = takeText(atspi_accessible_get_name(window, &error));
-    if (error != nullptr) {
-        g_error_free(error);
-        return kAXErrorCannotComplete;
-    }
+    Error error;
+    const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, out(error)));
+    if (error) return kAXErrorCannotComplete;
+    const std::string title = takeText(atspi_accessible_get_name(window, out(error)));
+    if (error) return kAXErrorCannotComplete;
     const std::vector<Window> windows = p.x11().windowsOf(pid);
     for (Window w : windows) {
         if (p.x11().titleOf(w) == title) return p.x11().requestClose(w) ? kAXErrorSuccess : kAXErrorCannotComplete;
@@ -99,8 +85,8 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
     try {
         switch (n->kind) {
-            case Node::Kind::closeButton: return closeWindow(*this, n->object);
-            case Node::Kind::accessible: return press(n->object);
+            case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
+            case Node::Kind::accessible: return press(n->object.get());
             default: return kAXErrorActionUnsupported;
         }
     } catch (...) {
@@ -115,7 +101,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
     AXError code = kAXErrorSuccess;
-    std::vector<std::string> names = actionNames(n->object, code);
+    std::vector<std::string> names = actionNames(n->object.get(), code);
     if (code != kAXErrorSuccess) return {code, std::nullopt};
     // Press-like actions are listed under the name the library presses.
     std::vector<std::string> out;
@@ -140,23 +126,20 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     const AtspiRole role = roleOf(*n);
     if (const auto* text = std::get_if<std::string>(&value)) {
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
-        AtspiEditableText* editable = atspi_accessible_get_editable_text_iface(n->object);
-        if (editable == nullptr) return kAXErrorAttributeUnsupported;
-        GError* error = nullptr;
-        const gboolean done = atspi_editable_text_set_text_contents(editable, text->c_str(), &error);
-        g_object_unref(editable);
-        if (error != nullptr) {
-            g_error_free(error);
-            return kAXErrorCannotComplete;
-        }
+        const Ref<AtspiEditableText> editable =
+            Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()));
+        if (!editable) return kAXErrorAttributeUnsupported;
+        Error error;
+        const gboolean done = atspi_editable_text_set_text_contents(editable.get(), text->c_str(), out(error));
+        if (error) return kAXErrorCannotComplete;
         return done ? kAXErrorSuccess : kAXErrorCannotComplete;
     }
     const std::int64_t wanted = std::get<std::int64_t>(value);
     if (!isToggleRole(role)) return kAXErrorAttributeUnsupported;
     if (wanted != 0 && wanted != 1) return kAXErrorIllegalArgument;
-    const bool checked = hasState(n->object, ATSPI_STATE_CHECKED);
+    const bool checked = hasState(n->object.get(), ATSPI_STATE_CHECKED);
     if (checked == (wanted == 1)) return kAXErrorSuccess;
-    return press(n->object);
+    return press(n->object.get());
 }
 
 SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
@@ -166,12 +149,12 @@ SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::str
     if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
     const AtspiRole role = roleOf(*n);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
-    if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object, ATSPI_STATE_SENSITIVE)};
+    if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_SENSITIVE)};
     if (!isTextRole(role)) return {kAXErrorSuccess, false};
-    AtspiEditableText* editable = atspi_accessible_get_editable_text_iface(n->object);
-    if (editable == nullptr) return {kAXErrorSuccess, false};
-    g_object_unref(editable);
-    return {kAXErrorSuccess, hasState(n->object, ATSPI_STATE_EDITABLE)};
+    if (!Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()))) {
+        return {kAXErrorSuccess, false};
+    }
+    return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_EDITABLE)};
 }
 
 }  // namespace zeblo::platform::linux_desktop

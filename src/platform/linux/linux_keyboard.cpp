@@ -66,14 +66,14 @@ KeyEvent* keyEvent(const Event& event, Platform* self) {
 }  // namespace
 
 EventSource LinuxPlatform::createEventSource(std::int32_t /*stateId*/) {
-    return EventSource::adopt(this, new KeyEvent());
+    return handOut<EventSource>(std::make_unique<KeyEvent>());
 }
 
 Event LinuxPlatform::createKeyboardEvent(const EventSource* /*source*/, std::uint16_t keyCode, bool keyDown) {
-    auto* event = new KeyEvent();
+    auto event = std::make_unique<KeyEvent>();
     event->keyCode = keyCode;
     event->down = keyDown;
-    return Event::adopt(this, event);
+    return handOut<Event>(std::move(event));
 }
 
 void LinuxPlatform::setEventFlags(const Event& event, std::uint64_t flags) {

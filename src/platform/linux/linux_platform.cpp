@@ -74,6 +74,15 @@ bool spawnDetached(const std::vector<std::string>& args) {
     return got == 0;
 }
 
+// Whether the accessibility registry answers a question.
+bool registryAnswers() {
+    const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
+    if (!desktop) return false;
+    Error error;
+    atspi_accessible_get_child_count(desktop.get(), out(error));
+    return error == nullptr;
+}
+
 }  // namespace
 
 std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
@@ -82,39 +91,33 @@ std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
     std::unique_ptr<X11Session> x11 = X11Session::open();
     if (!x11) return nullptr;
     if (atspi_init() > 1) return nullptr;
-    AtspiAccessible* desktop = atspi_get_desktop(0);
-    if (desktop == nullptr) return nullptr;
-    GError* error = nullptr;
-    atspi_accessible_get_child_count(desktop, &error);
-    g_object_unref(desktop);
-    if (error != nullptr) {
-        g_error_free(error);
-        return nullptr;
-    }
-    std::shared_ptr<LinuxPlatform> platform(new LinuxPlatform());
+    if (!registryAnswers()) return nullptr;
+    auto platform = std::make_shared<LinuxPlatform>(Key());
     platform->x11_ = std::move(x11);
     return platform;
 }
 
+LinuxPlatform::LinuxPlatform(Key) {}
+
 LinuxPlatform::~LinuxPlatform() = default;
 
-Element LinuxPlatform::wrap(AtspiAccessible* object, Node::Kind kind, std::shared_ptr<const Survey> survey) {
-    if (object == nullptr) return Element();
-    auto* n = new Node();
+Element LinuxPlatform::wrap(AccessibleRef object, Node::Kind kind, std::shared_ptr<const Survey> survey) {
+    if (!object) return Element();
+    auto n = std::make_unique<Node>();
     n->kind = kind;
-    n->object = object;
+    n->object = std::move(object);
     n->survey = std::move(survey);
-    return Element::adopt(this, n);
+    return handOut<Element>(std::move(n));
 }
 
 const Survey::Item* LinuxPlatform::surveyed(const Node& node) const {
     if (!node.survey || node.survey->generation() != generation_) return nullptr;
-    return node.survey->find(node.object);
+    return node.survey->find(node.object.get());
 }
 
 const std::shared_ptr<const Survey>& LinuxPlatform::surveyFor(Node& node) {
     if (!node.survey || node.survey->generation() != generation_) {
-        node.survey = Survey::take(node.object, generation_);
+        node.survey = Survey::take(node.object.get(), generation_);
     }
     return node.survey;
 }
@@ -129,43 +132,35 @@ void LinuxPlatform::drainEvents() {
     }
 }
 
-AtspiAccessible* LinuxPlatform::findApplication(std::int32_t pid) {
+AccessibleRef LinuxPlatform::findApplication(std::int32_t pid) {
     drainEvents();
     const std::vector<ListedApp> apps = listApplications(false);
     for (std::size_t i = 0; i < apps.size(); ++i) {
         if (apps[i].pid == pid) return applicationObject(apps[i], i);
     }
-    return nullptr;
+    return {};
 }
 
 Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
     const auto locked = guard();
-    AtspiAccessible* app = findApplication(pid);
-    auto* n = new Node();
-    n->kind = app != nullptr ? Node::Kind::accessible : Node::Kind::application;
-    n->object = app;
+    auto n = std::make_unique<Node>();
+    n->object = findApplication(pid);
+    n->kind = n->object ? Node::Kind::accessible : Node::Kind::application;
     n->pid = pid;
-    return Element::adopt(this, n);
+    return handOut<Element>(std::move(n));
 }
 
 Element LinuxPlatform::createSystemWideElement() {
     const auto locked = guard();
-    auto* n = new Node();
+    auto n = std::make_unique<Node>();
     n->kind = Node::Kind::systemWide;
-    return Element::adopt(this, n);
+    return handOut<Element>(std::move(n));
 }
 
 bool LinuxPlatform::isProcessTrusted(bool /*prompt*/) {
     const auto locked = guard();
     // There is no permission to ask for: the bus either answers or not.
-    AtspiAccessible* desktop = atspi_get_desktop(0);
-    if (desktop == nullptr) return false;
-    GError* error = nullptr;
-    atspi_accessible_get_child_count(desktop, &error);
-    g_object_unref(desktop);
-    if (error == nullptr) return true;
-    g_error_free(error);
-    return false;
+    return registryAnswers();
 }
 
 // --- Workspace ------------------------------------------------------------------
@@ -298,15 +293,16 @@ void LinuxPlatform::retainHandle(HandleKind kind, void* raw) noexcept {
 
 void LinuxPlatform::releaseHandle(HandleKind kind, void* raw) noexcept {
     if (raw == nullptr) return;
+    // The last release deletes the payload through its owning type.
     if (kind == HandleKind::element) {
         auto* n = static_cast<Node*>(raw);
         if (n->refs.fetch_sub(1) == 1) {
             const auto locked = guard();  // the last reference goes back to libatspi
-            delete n;
+            const std::unique_ptr<Node> last(n);
         }
     } else {
         auto* e = static_cast<KeyEvent*>(raw);
-        if (e->refs.fetch_sub(1) == 1) delete e;
+        if (e->refs.fetch_sub(1) == 1) const std::unique_ptr<KeyEvent> last(e);
     }
 }
 

@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "platform/linux/live_count.h"
+#include "platform/linux/owned.h"
 #include "platform/linux/survey.h"
 #include "platform/platform.h"
 
@@ -44,22 +45,20 @@ struct Node {
         closeButton,  // a window's close button: pressing it asks the window to close
     };
 
-    std::atomic<int> refs{1};
+    std::atomic<int> refs{1};  // the handles that refer to it
     Kind kind = Kind::accessible;
-    AtspiAccessible* object = nullptr;  // one reference held; the window for a close button
+    AccessibleRef object;  // the window for a close button
     std::int32_t pid = 0;
     std::optional<AtspiRole> role;  // read once per node
     // The bulk read of the walk this node was reached in, if any.
     std::shared_ptr<const Survey> survey;
     std::optional<std::string> keyBinding;  // read once per node
     Counted counted;
-
-    ~Node();
 };
 
 // One synthesized key event, as built by createKeyboardEvent.
 struct KeyEvent {
-    std::atomic<int> refs{1};
+    std::atomic<int> refs{1};  // the handles that refer to it
     std::uint16_t keyCode = 0;
     bool down = true;
     std::uint64_t flags = 0;
@@ -71,6 +70,12 @@ public:
     // The backend when a display and the accessibility bus can be reached,
     // otherwise null.
     static std::shared_ptr<LinuxPlatform> connect();
+    // Made by connect() only.
+    class Key {
+        friend class LinuxPlatform;
+        Key() = default;
+    };
+    explicit LinuxPlatform(Key);
     ~LinuxPlatform() override;
 
     Element createApplicationElement(std::int32_t pid) override;
@@ -109,8 +114,8 @@ public:
     void releaseHandle(HandleKind kind, void* raw) noexcept override;
 
     // Used by the element code (linux_attributes.cpp).
-    Element wrap(AtspiAccessible* object, Node::Kind kind = Node::Kind::accessible,
-                 std::shared_ptr<const Survey> survey = nullptr);  // adopts `object`
+    Element wrap(AccessibleRef object, Node::Kind kind = Node::Kind::accessible,
+                 std::shared_ptr<const Survey> survey = nullptr);
     Node* node(const Element& element) const noexcept;
     // What `node`'s survey knows of it, when the survey is still current.
     const Survey::Item* surveyed(const Node& node) const;
@@ -122,13 +127,17 @@ public:
     // Held by every operation of the backend.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() { return std::unique_lock(lock_); }
     X11Session& x11() { return *x11_; }
-    // The registered application with process id `pid`, with a reference, or null.
-    AtspiAccessible* findApplication(std::int32_t pid);
+    // The registered application with process id `pid`, or null.
+    AccessibleRef findApplication(std::int32_t pid);
     // Handles the accessibility bus's queued signals without waiting.
     void drainEvents();
 
 private:
-    LinuxPlatform() = default;
+    // A handle that owns `payload` (a Node or a KeyEvent, with one reference).
+    template <class H, class T>
+    H handOut(std::unique_ptr<T> payload) noexcept {
+        return H::adopt(this, payload.release());
+    }
     AttributeRead readAttribute(Node& node, std::string_view attribute);
 
     std::unique_ptr<X11Session> x11_;
@@ -151,8 +160,8 @@ bool isWindowRole(AtspiRole role);
 std::string takeText(char* text);
 // The unique bus name of `object`'s application, or null.
 const char* busOf(AtspiAccessible* object);
-// The children of `object`, each with its own reference; null entries kept.
-std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object);
+// The children of `object`; null entries kept.
+std::vector<AccessibleRef> childrenOf(AtspiAccessible* object);
 
 // Roles whose value is text (entries, password fields, text views).
 inline bool isTextRole(AtspiRole role) {

@@ -53,16 +53,12 @@ std::string readString(DBusMessageIter* it) {
 
 std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t generation) {
     if (root == nullptr || busOf(root) == nullptr) return nullptr;
-    std::shared_ptr<Survey> survey(new Survey());
+    auto survey = std::make_shared<Survey>(Key());
     survey->generation_ = generation;
     // An application that does not answer the bulk read gets an empty
     // survey: the walk reads live and does not ask again at every level.
     if (survey->read(root)) survey->linkChildren(root);
     return survey;
-}
-
-Survey::~Survey() {
-    for (AtspiAccessible* object : objects_) g_object_unref(object);
 }
 
 bool Survey::read(AtspiAccessible* root) {
@@ -115,41 +111,29 @@ bool Survey::read(AtspiAccessible* root) {
 
 void Survey::linkChildren(AtspiAccessible* root) {
     // The objects under the root, by path; the root itself as well.
-    g_object_ref(root);
-    objects_.push_back(root);
-    under_.emplace(pathOf(root), root);
-    if (AtspiCollection* collection = atspi_accessible_get_collection_iface(root)) {
-        AtspiMatchRule* rule = atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
-                                                    ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL,
-                                                    nullptr, ATSPI_Collection_MATCH_ALL, FALSE);
-        GError* error = nullptr;
-        GArray* matches = atspi_collection_get_matches(collection, rule, ATSPI_Collection_SORT_ORDER_CANONICAL, 0,
-                                                       TRUE, &error);
-        if (error != nullptr) g_error_free(error);
-        if (matches != nullptr) {
-            objects_.reserve(matches->len + 1);
-            for (guint i = 0; i < matches->len; ++i) {
-                AtspiAccessible* match = g_array_index(matches, AtspiAccessible*, i);
-                if (match == nullptr) continue;
-                objects_.push_back(match);
-                under_.emplace(pathOf(match), match);
-            }
-            g_array_free(matches, TRUE);
-        }
-        g_object_unref(rule);
-        g_object_unref(collection);
+    objects_.push_back(AccessibleRef::retain(root));
+    if (const auto collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root))) {
+        const Ref<AtspiMatchRule> rule = Ref<AtspiMatchRule>::adopt(
+            atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
+                                 ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, FALSE));
+        Error error;
+        std::vector<AccessibleRef> matches = takeAccessibles(atspi_collection_get_matches(
+            collection.get(), rule.get(), ATSPI_Collection_SORT_ORDER_CANONICAL, 0, TRUE, out(error)));
+        objects_.reserve(matches.size() + 1);
+        for (AccessibleRef& match : matches) objects_.push_back(std::move(match));
     }
+    for (const AccessibleRef& object : objects_) under_.emplace(pathOf(object.get()), object.get());
 
     // Every item's children, in the match's order: the Collection walks the
     // tree depth first, so each parent's children come in their own order
     // (GetItems' index in parent is not reliable: GTK gives -1 for some menu
     // items).
-    for (AtspiAccessible* object : objects_) {
-        if (object == root) continue;
-        const auto item = items_.find(ATSPI_OBJECT(object)->path);
+    for (const AccessibleRef& object : objects_) {
+        if (object.get() == root) continue;
+        const auto item = items_.find(pathOf(object.get()));
         if (item == items_.end()) continue;  // not cached: its parent reads its children live
         const auto parent = items_.find(item->second.parentPath);
-        if (parent != items_.end()) parent->second.children.push_back(object);
+        if (parent != items_.end()) parent->second.children.push_back(object.get());
     }
 
     // A list is known when it holds as many children as the application

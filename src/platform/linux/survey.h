@@ -30,6 +30,7 @@
 
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/live_count.h"
+#include "platform/linux/owned.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -53,7 +54,6 @@ public:
     // Surveys the application of `root` and the objects under `root`. When
     // the application does not answer the bulk read the survey is empty.
     static std::shared_ptr<const Survey> take(AtspiAccessible* root, std::uint64_t generation);
-    ~Survey();
     Survey(const Survey&) = delete;
     Survey& operator=(const Survey&) = delete;
 
@@ -77,7 +77,12 @@ public:
     std::size_t size() const { return items_.size(); }
 
 private:
-    Survey() = default;
+    struct Key {};  // made by take() only
+
+public:
+    explicit Survey(Key) {}
+
+private:
     bool read(AtspiAccessible* root);
     void linkChildren(AtspiAccessible* root);
 
@@ -109,7 +114,7 @@ private:
     mutable std::unordered_map<std::string, Item> items_;
     mutable std::unordered_map<std::string, std::string> parentOfUncached_;  // path to parent path
     mutable bool completed_ = false;
-    std::vector<AtspiAccessible*> objects_;         // one reference each: the root and all under it
+    std::vector<AccessibleRef> objects_;            // the root and all under it
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
     mutable std::optional<ByPath> keyBindings_;
     mutable std::optional<ByPath> texts_;

@@ -45,9 +45,8 @@ void answerRequest(Display* display, const Pairs& pairs, const XSelectionRequest
     reply.property = None;
     const Atom property = request.property != None ? request.property : request.target;
 
-    char* targetName = XGetAtomName(display, request.target);
-    const std::string target = targetName != nullptr ? targetName : "";
-    if (targetName != nullptr) XFree(targetName);
+    const XData targetName(reinterpret_cast<unsigned char*>(XGetAtomName(display, request.target)));
+    const std::string target = targetName ? reinterpret_cast<const char*>(targetName.get()) : "";
 
     const std::string* text = nullptr;
     for (const auto& [type, data] : pairs) {
@@ -97,14 +96,14 @@ bool waitForEvent(Display* display, double deadline) {
 
 }  // namespace
 
-void X11Session::answer(const XSelectionRequestEvent& request) { answerRequest(display_, data_, request); }
+void X11Session::answer(const XSelectionRequestEvent& request) { answerRequest(display(), data_, request); }
 
 void X11Session::handle(XEvent& event) {
     if (event.type == SelectionRequest) {
         if (owner_) {
             answer(event.xselectionrequest);
         } else {
-            answerRequest(display_, {}, event.xselectionrequest);  // refuse
+            answerRequest(display(), {}, event.xselectionrequest);  // refuse
         }
     } else if (event.type == SelectionClear && event.xselectionclear.window == window_) {
         owner_ = false;
@@ -115,33 +114,33 @@ void X11Session::handle(XEvent& event) {
 bool X11Session::own(Pairs pairs) {
     const Atom clipboard = atom("CLIPBOARD");
     data_ = std::move(pairs);
-    XSetSelectionOwner(display_, clipboard, window_, CurrentTime);
-    owner_ = XGetSelectionOwner(display_, clipboard) == window_;
+    XSetSelectionOwner(display(), clipboard, window_, CurrentTime);
+    owner_ = XGetSelectionOwner(display(), clipboard) == window_;
     if (!owner_) data_.clear();
     return owner_;
 }
 
 void X11Session::disown() {
-    XSetSelectionOwner(display_, atom("CLIPBOARD"), None, CurrentTime);
-    XSync(display_, False);
+    XSetSelectionOwner(display(), atom("CLIPBOARD"), None, CurrentTime);
+    XSync(display(), False);
     owner_ = false;
     data_.clear();
 }
 
 bool X11Session::ownsClipboard() {
     serve(0);
-    return owner_ && XGetSelectionOwner(display_, atom("CLIPBOARD")) == window_;
+    return owner_ && XGetSelectionOwner(display(), atom("CLIPBOARD")) == window_;
 }
 
 void X11Session::serve(double secondsToWait) {
     const double deadline = seconds() + (secondsToWait > 0 ? secondsToWait : 0);
     do {
-        while (XPending(display_) > 0) {
+        while (XPending(display()) > 0) {
             XEvent event;
-            XNextEvent(display_, &event);
+            XNextEvent(display(), &event);
             handle(event);
         }
-    } while (waitForEvent(display_, deadline) || seconds() < deadline);
+    } while (waitForEvent(display(), deadline) || seconds() < deadline);
 }
 
 std::optional<std::string> X11Session::readText(double timeoutSeconds) {
@@ -152,15 +151,15 @@ std::optional<std::string> X11Session::readText(double timeoutSeconds) {
         return std::nullopt;
     }
     const Atom clipboard = atom("CLIPBOARD");
-    if (XGetSelectionOwner(display_, clipboard) == None) return std::nullopt;
+    if (XGetSelectionOwner(display(), clipboard) == None) return std::nullopt;
     const Atom property = atom("ZEBLO_SELECTION");
     for (const char* target : {"UTF8_STRING", "STRING"}) {
-        XConvertSelection(display_, clipboard, atom(target), property, window_, CurrentTime);
-        XFlush(display_);
+        XConvertSelection(display(), clipboard, atom(target), property, window_, CurrentTime);
+        XFlush(display());
         const double deadline = seconds() + timeoutSeconds;
-        while (waitForEvent(display_, deadline)) {
+        while (waitForEvent(display(), deadline)) {
             XEvent event;
-            XNextEvent(display_, &event);
+            XNextEvent(display(), &event);
             if (event.type != SelectionNotify || event.xselection.requestor != window_) {
                 handle(event);
                 continue;
@@ -171,11 +170,11 @@ std::optional<std::string> X11Session::readText(double timeoutSeconds) {
             unsigned long count = 0, after = 0;
             unsigned char* data = nullptr;
             std::optional<std::string> text;
-            if (XGetWindowProperty(display_, window_, property, 0, 1 << 24, True, AnyPropertyType, &type, &format,
+            if (XGetWindowProperty(display(), window_, property, 0, 1 << 24, True, AnyPropertyType, &type, &format,
                                    &count, &after, &data) == Success &&
                 data != nullptr) {
+                const XData owned(data);
                 if (format == 8 && type != atom("INCR")) text.emplace(reinterpret_cast<const char*>(data), count);
-                XFree(data);
             }
             return text;
         }
@@ -209,8 +208,9 @@ bool X11Session::handToHolder(Pairs pairs) {
 }
 
 void runClipboardHolder(Pairs pairs, int readyFd) {
-    Display* display = XOpenDisplay(nullptr);
-    if (display == nullptr) _exit(1);
+    DisplayConnection connection(XOpenDisplay(nullptr));
+    if (!connection) _exit(1);
+    Display* display = connection.get();
     const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
     const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
     XSetSelectionOwner(display, clipboard, window, CurrentTime);
@@ -224,7 +224,7 @@ void runClipboardHolder(Pairs pairs, int readyFd) {
         if (event.type == SelectionRequest) answerRequest(display, pairs, event.xselectionrequest);
         if (event.type == SelectionClear) break;
     }
-    XCloseDisplay(display);
+    connection.reset();
     _exit(0);
 }
 

@@ -22,11 +22,11 @@ std::vector<unsigned long> longProperty(Display* display, Window window, Atom pr
     if (XGetWindowProperty(display, window, property, 0, 1 << 16, False, type, &actualType, &actualFormat,
                            &count, &after, &data) == Success &&
         data != nullptr) {
+        const XData owned(data);
         if (actualFormat == 32) {
             const auto* items = reinterpret_cast<const unsigned long*>(data);  // longs, as Xlib hands them
             out.assign(items, items + count);
         }
-        XFree(data);
     }
     return out;
 }
@@ -48,38 +48,35 @@ XEvent clientMessage(Window window, Atom type, long first, long second) {
 }  // namespace
 
 std::unique_ptr<X11Session> X11Session::open() {
-    Display* display = XOpenDisplay(nullptr);
-    if (display == nullptr) return nullptr;
+    DisplayConnection connection(XOpenDisplay(nullptr));
+    if (!connection) return nullptr;
+    Display* display = connection.get();
     int eventBase = 0, errorBase = 0, major = 0, minor = 0;
-    if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) {
-        XCloseDisplay(display);
-        return nullptr;
-    }
+    if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) return nullptr;
     // A window that has gone away between two calls is not an error worth
     // ending the host process for.
     XSetErrorHandler(ignoreErrors);
     std::unique_ptr<X11Session> session(new X11Session());
-    session->display_ = display;
+    session->connection_ = std::move(connection);
     session->window_ = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
     XSelectInput(display, session->window_, PropertyChangeMask);
     return session;
 }
 
 X11Session::~X11Session() {
-    if (display_ != nullptr) {
+    if (connection_) {
         if (owner_) serve(0);  // answer what is already queued
-        XDestroyWindow(display_, window_);
-        XCloseDisplay(display_);
-    }
+        XDestroyWindow(display(), window_);
+    }  // the connection closes after this
 }
 
-Atom X11Session::atom(const char* name) { return XInternAtom(display_, name, False); }
+Atom X11Session::atom(const char* name) { return XInternAtom(display(), name, False); }
 
 std::optional<std::int32_t> X11Session::activeWindowPid() {
-    const Window root = DefaultRootWindow(display_);
-    const auto active = longProperty(display_, root, atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
+    const Window root = DefaultRootWindow(display());
+    const auto active = longProperty(display(), root, atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
     if (active.empty() || active[0] == 0) return std::nullopt;
-    const auto pid = longProperty(display_, static_cast<Window>(active[0]), atom("_NET_WM_PID"), XA_CARDINAL);
+    const auto pid = longProperty(display(), static_cast<Window>(active[0]), atom("_NET_WM_PID"), XA_CARDINAL);
     if (pid.empty()) return std::nullopt;
     return static_cast<std::int32_t>(pid[0]);
 }
@@ -90,27 +87,27 @@ std::string X11Session::titleOf(Window window) {
     unsigned long count = 0, after = 0;
     unsigned char* data = nullptr;
     std::string title;
-    if (XGetWindowProperty(display_, window, atom("_NET_WM_NAME"), 0, 1 << 16, False, atom("UTF8_STRING"),
+    if (XGetWindowProperty(display(), window, atom("_NET_WM_NAME"), 0, 1 << 16, False, atom("UTF8_STRING"),
                            &actualType, &actualFormat, &count, &after, &data) == Success &&
         data != nullptr) {
+        const XData owned(data);
         if (actualFormat == 8) title.assign(reinterpret_cast<const char*>(data), count);
-        XFree(data);
     }
     return title;
 }
 
 std::string X11Session::activeWindowTitle() {
-    const auto active = longProperty(display_, DefaultRootWindow(display_), atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
+    const auto active = longProperty(display(), DefaultRootWindow(display()), atom("_NET_ACTIVE_WINDOW"), XA_WINDOW);
     if (active.empty() || active[0] == 0) return {};
     return titleOf(static_cast<Window>(active[0]));
 }
 
 std::vector<Window> X11Session::windowsOf(std::int32_t pid) {
     std::vector<Window> out;
-    const auto clients = longProperty(display_, DefaultRootWindow(display_), atom("_NET_CLIENT_LIST"), XA_WINDOW);
+    const auto clients = longProperty(display(), DefaultRootWindow(display()), atom("_NET_CLIENT_LIST"), XA_WINDOW);
     const Atom pidAtom = atom("_NET_WM_PID");
     for (unsigned long client : clients) {
-        const auto owner = longProperty(display_, static_cast<Window>(client), pidAtom, XA_CARDINAL);
+        const auto owner = longProperty(display(), static_cast<Window>(client), pidAtom, XA_CARDINAL);
         if (!owner.empty() && static_cast<std::int32_t>(owner[0]) == pid) out.push_back(static_cast<Window>(client));
     }
     return out;
@@ -119,43 +116,43 @@ std::vector<Window> X11Session::windowsOf(std::int32_t pid) {
 bool X11Session::activate(Window window) {
     // Source 2: the request comes from a pager-like tool.
     XEvent event = clientMessage(window, atom("_NET_ACTIVE_WINDOW"), 2, CurrentTime);
-    const Status sent = XSendEvent(display_, DefaultRootWindow(display_), False,
+    const Status sent = XSendEvent(display(), DefaultRootWindow(display()), False,
                                    SubstructureRedirectMask | SubstructureNotifyMask, &event);
-    XRaiseWindow(display_, window);
+    XRaiseWindow(display(), window);
     // Window managers may leave the keyboard focus where it was when the
     // window already counts as active: give it the focus as well.
     XWindowAttributes attributes{};
-    if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.map_state == IsViewable) {
-        XSetInputFocus(display_, window, RevertToParent, CurrentTime);
+    if (XGetWindowAttributes(display(), window, &attributes) != 0 && attributes.map_state == IsViewable) {
+        XSetInputFocus(display(), window, RevertToParent, CurrentTime);
     }
-    XSync(display_, False);
+    XSync(display(), False);
     return sent != 0;
 }
 
 bool X11Session::refreshFocus() {
     Window focus = None;
     int revertTo = RevertToParent;
-    XGetInputFocus(display_, &focus, &revertTo);
-    if (focus == None || focus == PointerRoot || focus == DefaultRootWindow(display_)) return false;
-    XSetInputFocus(display_, PointerRoot, RevertToPointerRoot, CurrentTime);
-    XSetInputFocus(display_, focus, revertTo, CurrentTime);
-    XSync(display_, False);
+    XGetInputFocus(display(), &focus, &revertTo);
+    if (focus == None || focus == PointerRoot || focus == DefaultRootWindow(display())) return false;
+    XSetInputFocus(display(), PointerRoot, RevertToPointerRoot, CurrentTime);
+    XSetInputFocus(display(), focus, revertTo, CurrentTime);
+    XSync(display(), False);
     return true;
 }
 
 bool X11Session::requestClose(Window window) {
     XEvent event =
         clientMessage(window, atom("WM_PROTOCOLS"), static_cast<long>(atom("WM_DELETE_WINDOW")), CurrentTime);
-    const Status sent = XSendEvent(display_, window, False, NoEventMask, &event);
-    XSync(display_, False);
+    const Status sent = XSendEvent(display(), window, False, NoEventMask, &event);
+    XSync(display(), False);
     return sent != 0;
 }
 
 bool X11Session::fakeKey(unsigned long keysym, bool down) {
-    const KeyCode code = XKeysymToKeycode(display_, static_cast<KeySym>(keysym));
+    const KeyCode code = XKeysymToKeycode(display(), static_cast<KeySym>(keysym));
     if (code == 0) return false;
-    XTestFakeKeyEvent(display_, code, down ? True : False, CurrentTime);
-    XSync(display_, False);
+    XTestFakeKeyEvent(display(), code, down ? True : False, CurrentTime);
+    XSync(display(), False);
     return true;
 }
 

@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/owned.h"
+
 namespace zeblo::platform::linux_desktop {
 
 class X11Session {
@@ -59,11 +61,12 @@ public:
 
 private:
     X11Session() = default;
+    Display* display() const { return connection_.get(); }
     Atom atom(const char* name);
     void handle(XEvent& event);
     void answer(const XSelectionRequestEvent& request);
 
-    Display* display_ = nullptr;
+    DisplayConnection connection_;
     Window window_ = 0;  // an unmapped window owning CLIPBOARD for us
     bool owner_ = false;
     std::vector<std::pair<std::string, std::string>> data_;

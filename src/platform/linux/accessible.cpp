@@ -1,0 +1,117 @@
+// Live reads of AtspiAccessible objects: names, roles, states, texts,
+// children and Collection matches.
+#include "platform/linux/accessible.h"
+
+#include "core/unicode.h"
+#include "platform/linux/linux_platform.h"
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+// The first match of `rule` in `collection` (one round trip), or null.
+AccessibleRef firstMatch(AtspiCollection* collection, AtspiMatchRule* rule) {
+    Error error;
+    std::vector<AccessibleRef> matches = takeAccessibles(
+        atspi_collection_get_matches(collection, rule, ATSPI_Collection_SORT_ORDER_CANONICAL, 1, TRUE, out(error)));
+    return matches.empty() ? AccessibleRef() : std::move(matches.front());
+}
+
+}  // namespace
+
+AtspiRole roleOfObject(AtspiAccessible* object) {
+    Error error;
+    const AtspiRole role = atspi_accessible_get_role(object, out(error));
+    return error ? ATSPI_ROLE_INVALID : role;
+}
+
+std::string nameOf(AtspiAccessible* object, bool* ok) {
+    Error error;
+    std::string name = takeText(atspi_accessible_get_name(object, out(error)));
+    if (ok != nullptr) *ok = error == nullptr;
+    return name;
+}
+
+std::optional<std::string> textContents(AtspiAccessible* object) {
+    const Ref<AtspiText> text = Ref<AtspiText>::adopt(atspi_accessible_get_text_iface(object));
+    if (!text) return std::nullopt;
+    Error error;
+    Text contents(atspi_text_get_text(text.get(), 0, -1, out(error)));
+    if (error) return std::nullopt;
+    return takeText(contents.release());
+}
+
+AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
+    const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
+    if (!collection) return {};
+    const Array roles(g_array_new(FALSE, FALSE, sizeof(AtspiRole)));
+    g_array_append_val(roles.get(), role);
+    const Ref<AtspiMatchRule> rule = Ref<AtspiMatchRule>::adopt(
+        atspi_match_rule_new(nullptr, ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, roles.get(),
+                             ATSPI_Collection_MATCH_ANY, nullptr, ATSPI_Collection_MATCH_ALL, FALSE));
+    return firstMatch(collection.get(), rule.get());
+}
+
+AccessibleRef findFocused(AtspiAccessible* root) {
+    const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
+    if (!collection) return {};
+    const Ref<AtspiStateSet> states = Ref<AtspiStateSet>::adopt(atspi_state_set_new(nullptr));
+    atspi_state_set_add(states.get(), ATSPI_STATE_FOCUSED);
+    atspi_state_set_add(states.get(), ATSPI_STATE_SHOWING);  // closed menus keep a stale focus
+    const Ref<AtspiMatchRule> rule = Ref<AtspiMatchRule>::adopt(
+        atspi_match_rule_new(states.get(), ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
+                             ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, FALSE));
+    return firstMatch(collection.get(), rule.get());
+}
+
+std::vector<AccessibleRef> windowsOf(AtspiAccessible* app) {
+    std::vector<AccessibleRef> windows;
+    for (AccessibleRef& child : childrenOf(app)) {
+        if (!child) continue;
+        const AtspiRole role = roleOfObject(child.get());
+        const bool keep = isWindowRole(role) && hasState(child.get(), ATSPI_STATE_SHOWING) &&
+                          (role != ATSPI_ROLE_WINDOW || !nameOf(child.get()).empty());
+        if (keep) {
+            windows.push_back(std::move(child));
+        } else {
+            child.reset();
+        }
+    }
+    return windows;
+}
+
+// ---------------------------------------------------------------------------
+// The helpers linux_platform.h declares.
+
+std::string takeText(char* text) {
+    const Text owned(text);
+    if (!owned) return {};
+    return text::decodeUtf8Lossy(owned.get());
+}
+
+bool hasState(AtspiAccessible* object, AtspiStateType state) {
+    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
+    if (!set) return false;
+    return atspi_state_set_contains(set.get(), state) != 0;
+}
+
+std::vector<AccessibleRef> childrenOf(AtspiAccessible* object) {
+    std::vector<AccessibleRef> children;
+    Error error;
+    const int count = atspi_accessible_get_child_count(object, out(error));
+    if (error || count <= 0) return children;
+    children.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        AccessibleRef child = AccessibleRef::adopt(atspi_accessible_get_child_at_index(object, i, out(error)));
+        if (error) child.reset();
+        children.push_back(std::move(child));
+    }
+    return children;
+}
+
+const char* busOf(AtspiAccessible* object) {
+    const AtspiObject* o = ATSPI_OBJECT(object);
+    return o->app != nullptr ? o->app->bus_name : nullptr;
+}
+
+}  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,31 @@
+// Live reads of one AtspiAccessible through libatspi's public API, shared by
+// the attribute, focus and key-binding code. Every answer is owned (see
+// owned.h); nothing here keeps anything.
+#pragma once
+
+#include <atspi/atspi.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/linux/owned.h"
+
+namespace zeblo::platform::linux_desktop {
+
+// The AT-SPI role of `object`; ATSPI_ROLE_INVALID when it does not answer.
+AtspiRole roleOfObject(AtspiAccessible* object);
+// The accessible name; `ok` (when given) tells whether the read succeeded.
+std::string nameOf(AtspiAccessible* object, bool* ok = nullptr);
+// The whole text of an object with the Text interface.
+std::optional<std::string> textContents(AtspiAccessible* object);
+// The first descendant of `root` with `role` (through the Collection
+// interface: one round trip), or null.
+AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role);
+// The first descendant of `root` in the `focused` and `showing` states (one
+// round trip), or null.
+AccessibleRef findFocused(AtspiAccessible* root);
+// The application's showing windows (popups included only when titled).
+std::vector<AccessibleRef> windowsOf(AtspiAccessible* app);
+
+}  // namespace zeblo::platform::linux_desktop

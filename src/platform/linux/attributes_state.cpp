@@ -1,0 +1,30 @@
+// State attributes: "AXEnabled", and menu items' check mark and key
+// equivalent.
+#include "platform/linux/attributes.h"
+#include "platform/linux/key_binding.h"
+
+namespace zeblo::platform::linux_desktop {
+
+bool isMenuItemRole(AtspiRole role) {
+    return role == ATSPI_ROLE_MENU || role == ATSPI_ROLE_MENU_ITEM || role == ATSPI_ROLE_CHECK_MENU_ITEM ||
+           role == ATSPI_ROLE_RADIO_MENU_ITEM;
+}
+
+std::optional<AttributeRead> readState(const Reading& r, std::string_view attribute) {
+    if (attribute == "AXEnabled") return ok(r.has(ATSPI_STATE_SENSITIVE));
+    if (!isMenuItemRole(r.role)) return std::nullopt;
+    if (attribute == "AXMenuItemMarkChar") {
+        if (r.has(ATSPI_STATE_CHECKED)) return ok(std::string("\xE2\x9C\x93"));  // ✓
+        return ok(std::monostate{});
+    }
+    if (attribute == "AXMenuItemCmdChar" || attribute == "AXMenuItemCmdModifiers") {
+        if (r.role == ATSPI_ROLE_MENU) return ok(std::monostate{});
+        auto key = keyEquivalent(keyBindingOf(r.node, r.item));
+        if (!key) return ok(std::monostate{});
+        if (attribute == "AXMenuItemCmdChar") return ok(std::move(key->first));
+        return ok(key->second);
+    }
+    return std::nullopt;
+}
+
+}  // namespace zeblo::platform::linux_desktop

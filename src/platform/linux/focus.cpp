@@ -1,0 +1,61 @@
+// The focused window and element of an application.
+#include "platform/linux/focus.h"
+
+#include "platform/linux/accessible.h"
+#include "platform/linux/linux_platform.h"
+#include "platform/linux/x11_session.h"
+
+namespace zeblo::platform::linux_desktop {
+
+AtspiAccessible* focusedAmong(LinuxPlatform& p, AtspiAccessible* app, const std::vector<AccessibleRef>& windows) {
+    AtspiAccessible* found = nullptr;
+    for (const AccessibleRef& w : windows) {
+        if (found == nullptr && hasState(w.get(), ATSPI_STATE_ACTIVE)) found = w.get();
+    }
+    if (found == nullptr) {
+        Error error;
+        const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, out(error)));
+        if (p.x11().activeWindowPid() == pid) {
+            const std::string title = p.x11().activeWindowTitle();
+            for (const AccessibleRef& w : windows) {
+                if (found == nullptr && nameOf(w.get()) == title) found = w.get();
+            }
+        }
+    }
+    return found;
+}
+
+AccessibleRef focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
+    std::vector<AccessibleRef> windows = windowsOf(app);
+    const AtspiAccessible* found = focusedAmong(p, app, windows);
+    for (AccessibleRef& w : windows) {
+        if (w.get() == found) return std::move(w);
+    }
+    return {};
+}
+
+// GTK can lose track of its focus after a menu item is activated through
+// accessibility: the menu's keyboard grab ends without a focus-in, so keys
+// still reach the focus widget while nothing reports the focused state. When
+// the application owns the active window and nothing in it is focused, the X
+// input focus is moved away and back, which makes the toolkit notice its
+// focus again, and the question is asked again for a short while.
+AccessibleRef focusedElementOf(LinuxPlatform& p, AtspiAccessible* app) {
+    const AccessibleRef window = focusedWindowOf(p, app);
+    if (!window) return {};
+    AccessibleRef focused = findFocused(window.get());
+    if (!focused) {
+        Error error;
+        const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, out(error)));
+        if (!error && p.x11().activeWindowPid() == pid && p.x11().refreshFocus()) {
+            for (const double pause : {0.0, 0.005, 0.01, 0.02, 0.04, 0.08}) {
+                p.x11().serve(pause);
+                focused = findFocused(window.get());
+                if (focused) break;
+            }
+        }
+    }
+    return focused;
+}
+
+}  // namespace zeblo::platform::linux_desktop
