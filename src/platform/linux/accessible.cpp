@@ -109,9 +109,22 @@ std::vector<AccessibleRef> childrenOf(AtspiAccessible* object) {
     return children;
 }
 
+// libatspi 2.46 has no public accessor for an object's D-Bus address (its
+// application's unique bus name, its path and the connection libatspi talks
+// to it on): these three are the backend's only reads of its structures.
 const char* busOf(AtspiAccessible* object) {
     const AtspiObject* o = ATSPI_OBJECT(object);
     return o->app != nullptr ? o->app->bus_name : nullptr;
+}
+
+std::string pathOf(AtspiAccessible* object) {
+    const char* path = ATSPI_OBJECT(object)->path;
+    return path != nullptr ? path : "";
+}
+
+DBusConnection* connectionOf(AtspiAccessible* object) {
+    const AtspiObject* o = ATSPI_OBJECT(object);
+    return o->app != nullptr ? o->app->bus : nullptr;
 }
 
 }  // namespace zeblo::platform::linux_desktop

@@ -13,17 +13,11 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 }  // namespace
 
 std::vector<ListedApp> listApplications(bool withNames) {
-    std::optional<std::vector<Reference>> references;
-    DBusConnection* bus = nullptr;
-    {
-        const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
-        if (!desktop) return {};
-        const AtspiObject* registry = ATSPI_OBJECT(desktop.get());
-        bus = registry->app != nullptr ? registry->app->bus : nullptr;
-        std::vector<Message> listCall;
-        listCall.push_back(methodCall(busOf(desktop.get()), registry->path, kAccessible, "GetChildren"));
-        references = referencesAnswer(callAll(bus, listCall).front());
-    }
+    // The registry (the desktop object) on the accessibility bus.
+    DBusConnection* bus = atspi_get_a11y_bus();
+    std::vector<Message> listCall;
+    listCall.push_back(methodCall(ATSPI_DBUS_NAME_REGISTRY, ATSPI_DBUS_PATH_ROOT, kAccessible, "GetChildren"));
+    const auto references = referencesAnswer(callAll(bus, listCall).front());
     std::vector<ListedApp> apps;
     if (!references) return apps;
     for (const auto& [busName, path] : *references) {

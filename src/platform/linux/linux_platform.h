@@ -160,6 +160,10 @@ bool isWindowRole(AtspiRole role);
 std::string takeText(char* text);
 // The unique bus name of `object`'s application, or null.
 const char* busOf(AtspiAccessible* object);
+// The object path of `object` ("" when it has none).
+std::string pathOf(AtspiAccessible* object);
+// The connection libatspi reaches `object`'s application on, or null.
+DBusConnection* connectionOf(AtspiAccessible* object);
 // The children of `object`; null entries kept.
 std::vector<AccessibleRef> childrenOf(AtspiAccessible* object);
 

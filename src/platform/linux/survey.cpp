@@ -20,11 +20,6 @@ namespace {
 constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
-std::string pathOf(AtspiAccessible* object) {
-    const char* path = ATSPI_OBJECT(object)->path;
-    return path != nullptr ? path : "";
-}
-
 // Reads an "(so)" reference at `it` and advances past it; gives the path.
 std::string readReference(DBusMessageIter* it) {
     DBusMessageIter ref;
@@ -62,12 +57,11 @@ std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t 
 }
 
 bool Survey::read(AtspiAccessible* root) {
-    AtspiApplication* app = ATSPI_OBJECT(root)->app;
-    if (app->bus == nullptr) return false;
-    busName_ = app->bus_name;
-    bus_ = app->bus;
+    bus_ = connectionOf(root);
+    if (bus_ == nullptr) return false;
+    busName_ = busOf(root);
     std::vector<Message> call;
-    call.push_back(methodCall(app->bus_name, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"));
+    call.push_back(methodCall(busName_.c_str(), "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"));
     const Message answer = std::move(callAll(bus_, call).front());
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
     const char* signature = dbus_message_get_signature(answer.get());
