@@ -1,6 +1,8 @@
 // The AT-SPI role of an element and the role name the library sees for it
 // ("AXRole"): the one table from AT-SPI roles to role names, and the roles
 // whose name depends on where the element stands or what it holds.
+#include <string_view>
+
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
 
@@ -55,7 +57,10 @@ const Survey::Item* lastKnown(const Node& node) {
 
 }  // namespace
 
-bool isWindowRole(AtspiRole role) { return tableName(role) == kWindow; }
+bool isWindowRole(AtspiRole role) {
+    const char* name = tableName(role);
+    return name != nullptr && std::string_view(name) == kWindow;
+}
 
 AtspiRole roleOf(Node& node) {
     if (!node.role) {
