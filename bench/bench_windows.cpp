@@ -7,9 +7,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "ops/windows/window_ops.h"
 #include "platform/platform.h"
 #include "platform/sim/sim_desktop.h"
-#include "ops/windows/window_ops.h"
 #include "zeblo/zeblo.h"
 
 namespace {

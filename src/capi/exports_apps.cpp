@@ -1,9 +1,8 @@
 // Exported functions of the applications area and their bodies.
-#include "ops/apps/app_ops.h"
 #include "capi/bodies.h"
-#include "core/json_writer.h"
 #include "capi/marshal.h"
-#include "platform/platform.h"
+#include "core/json_writer.h"
+#include "ops/apps/app_ops.h"
 #include "zeblo/zeblo.h"
 
 namespace zeblo::capi {
@@ -26,10 +25,9 @@ bool focusApp(const char* appName, const char* windowName, bool shouldSwitch, bo
     });
 }
 
-// Only the launch request: no lookup, no activation, no waiting.
 bool launchApp(const char* appName) noexcept {
     return runLogged("zeblo_launch_app", [&] {
-        if (!platform::current().launchApplication(decodeString(appName))) throw AppError::launchFailed();
+        AppOps::launchApp(decodeString(appName));
     });
 }
 

@@ -20,9 +20,7 @@ bool menuClick(const char* appName, const char* const* menuPath, std::int32_t me
 
 bool menuItemExists(const char* appName, const char* const* menuPath, std::int32_t menuPathCount) noexcept {
     return runQuiet([&] {
-        const platform::Element item =
-            MenuOps::navigateToMenuItem(decodeString(appName), decodeTitles(menuPath, menuPathCount));
-        return static_cast<bool>(item);
+        return MenuOps::menuItemExists(decodeString(appName), decodeTitles(menuPath, menuPathCount));
     });
 }
 

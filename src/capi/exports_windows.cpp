@@ -1,9 +1,7 @@
 // Exported functions of the windows area and their bodies.
 #include "capi/bodies.h"
-#include "core/json_writer.h"
 #include "capi/marshal.h"
-#include "platform/platform.h"
-#include "core/unicode.h"
+#include "core/json_writer.h"
 #include "ops/windows/window_ops.h"
 #include "zeblo/zeblo.h"
 
@@ -21,34 +19,10 @@ bool clickCheckbox(const char* appName, const char* windowName, const char* chec
     });
 }
 
-// This export writes its own progress lines and its own, shorter error texts.
+// This export writes its own progress lines and its own, shorter error texts;
+// when memory runs out it answers "[]".
 const char* getWindowButtons(const char* appName, const char* windowName) noexcept {
-    try {
-        platform::Platform& p = platform::current();
-        p.log("zeblo_get_window_buttons called");
-        const std::string app = decodeString(appName);
-        const std::string window = decodeString(windowName);
-        p.log("Calling WindowOps.getWindowButtons(app: '" + app + "', window: '" + window + "')");
-        try {
-            const std::vector<std::string> buttons = WindowOps::getWindowButtons(app, window);
-            p.log("Successfully got " + std::to_string(buttons.size()) + " buttons, serializing to JSON");
-            std::string text = json::stringArray(buttons);
-            if (!text::isValidUtf8(text)) text = "[]";
-            p.log("Returning JSON: " + text);
-            return heapCopy(text);
-        } catch (const WindowError& e) {
-            p.log("WindowError caught: " + e.debugText());
-            return heapCopy(json::errorObject(e.shortText()));
-        } catch (const Error& e) {
-            p.log("Unexpected error: " + e.debugText());
-            return heapCopy(json::errorObject(e.description()));
-        } catch (const std::exception& e) {
-            p.log(std::string("Unexpected error: ") + e.what());
-            return heapCopy(json::errorObject(e.what()));
-        }
-    } catch (...) {
-        return heapCopy("[]");  // out of memory while logging or copying
-    }
+    return runJson("[]", true, [&] { return WindowOps::getWindowButtonsJSON(decodeString(appName), decodeString(windowName)); });
 }
 
 bool setCheckboxValue(const char* appName, const char* windowName, const char* checkboxName,

@@ -5,8 +5,8 @@
 
 #include "core/error.h"
 #include "core/json_writer.h"
-#include "platform/platform.h"
 #include "core/unicode.h"
+#include "platform/platform.h"
 
 namespace zeblo::capi {
 
@@ -31,8 +31,7 @@ std::vector<std::uint16_t> copyKeyCodes(const std::uint16_t* codes, std::int32_t
 }
 
 std::uint64_t reduceModifierMask(std::uint64_t mask) noexcept {
-    constexpr std::uint64_t kShift = 0x20000, kControl = 0x40000, kOption = 0x80000, kCommand = 0x100000;
-    return mask & (kShift | kControl | kOption | kCommand);
+    return mask & platform::kEventFlagModifiers;
 }
 
 std::optional<std::int64_t> retryTimeout(std::int32_t milliseconds) noexcept {

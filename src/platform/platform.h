@@ -171,6 +171,14 @@ inline constexpr std::uint64_t kActivateIgnoringOtherApps = 2;
 // Keyboard events.
 
 inline constexpr std::int32_t kEventSourceStateHIDSystemState = 1;
+
+// Modifier bits of a keyboard event's flags.
+inline constexpr std::uint64_t kEventFlagShift = 0x20000;
+inline constexpr std::uint64_t kEventFlagControl = 0x40000;
+inline constexpr std::uint64_t kEventFlagOption = 0x80000;
+inline constexpr std::uint64_t kEventFlagCommand = 0x100000;
+inline constexpr std::uint64_t kEventFlagModifiers =
+    kEventFlagShift | kEventFlagControl | kEventFlagOption | kEventFlagCommand;
 inline constexpr std::uint32_t kHIDEventTap = 0;
 
 // ---------------------------------------------------------------------------

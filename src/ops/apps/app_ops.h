@@ -9,15 +9,11 @@
 #include <vector>
 
 #include "ops/apps/app_error.h"
+#include "ops/lookup.h"
 
 namespace zeblo {
 
-// The frontmost application's name and its focused window's title; an unknown
-// value is the empty string.
-struct FrontmostInfo {
-    std::string appName;
-    std::string windowTitle;
-};
+using lookup::FrontmostInfo;
 
 class AppOps {
 public:
@@ -37,11 +33,12 @@ public:
     static void focusApp(const std::string& appName, const std::string& windowName, bool shouldSwitch,
                          bool shouldLaunch, std::int64_t timeout);
 
+    // Only the launch request for `appName`: no lookup, no activation, no
+    // waiting. Throws AppError::launchFailed when the workspace refuses.
+    static void launchApp(const std::string& appName);
+
     // Whether the element with keyboard focus has a text role. Never throws.
     static bool isInTextField();
-
-private:
-    static bool softMatch(std::string_view candidate, std::string_view wanted);
 };
 
 }  // namespace zeblo

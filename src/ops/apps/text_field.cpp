@@ -17,14 +17,9 @@ constexpr std::array<std::string_view, 4> kTextRoles = {"AXTextField", "AXTextAr
 }  // namespace
 
 bool AppOps::isInTextField() {
-    platform::Platform& p = platform::current();
-    const platform::Element systemWide = p.createSystemWideElement();
-    if (!systemWide) return false;
-
-    const auto focused = platform::asElement(p.copyAttributeValue(systemWide, "AXFocusedUIElement"));
-    if (!focused.ok() || !focused.value) return false;
-
-    const auto role = platform::asString(p.copyAttributeValue(focused.value, "AXRole"));
+    const lookup::FocusedElement focused = lookup::focusedElement();
+    if (!focused.element) return false;
+    const auto role = platform::asString(platform::current().copyAttributeValue(focused.element, "AXRole"));
     if (!role.ok()) return false;
     return std::find(kTextRoles.begin(), kTextRoles.end(), role.value) != kTextRoles.end();
 }

@@ -3,6 +3,7 @@
 
 #include "ops/keyboard/events.h"
 #include "ops/keyboard/keystroke.h"
+#include "ops/lookup.h"
 
 namespace zeblo {
 namespace {
@@ -62,18 +63,12 @@ void Keystroke::pasteIntoFocusedField(const std::string& text, bool sendEnter) {
     platform::Platform& p = platform::current();
     if (!p.isProcessTrusted(true)) throw keystrokeFailure("Accessibility permission not granted");
 
-    platform::Element focused;
-    {
-        const platform::Element systemWide = p.createSystemWideElement();
-        platform::AttributeRead read = p.copyAttributeValue(systemWide, "AXFocusedUIElement");
-        const platform::AXError code = read.code;
-        // A read that succeeds with nothing usable reports the code 0.
-        platform::Read<platform::Element> element = platform::asElement(std::move(read));
-        if (code != platform::kAXErrorSuccess || !element || !element.value) {
-            throw keystrokeFailure("Could not get focused element: " + std::to_string(code), code);
-        }
-        focused = std::move(element.value);
+    // A read that succeeds with nothing usable reports the code 0.
+    const lookup::FocusedElement read = lookup::focusedElement();
+    if (read.code != platform::kAXErrorSuccess || !read.element) {
+        throw keystrokeFailure("Could not get focused element: " + std::to_string(read.code), read.code);
     }
+    const platform::Element& focused = read.element;
 
     bool entered = setAXValue(focused, text);
     if (!entered) {

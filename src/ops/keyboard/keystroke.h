@@ -26,12 +26,6 @@ namespace zeblo {
 inline constexpr std::uint32_t EVENT_USER_DATA_FIELD = 127;
 inline constexpr std::int64_t EVENT_MARKER = 0x5A45424C4F;
 
-// Keyboard-event flag bits.
-inline constexpr std::uint64_t kFlagShift = 0x20000;
-inline constexpr std::uint64_t kFlagControl = 0x40000;
-inline constexpr std::uint64_t kFlagOption = 0x80000;
-inline constexpr std::uint64_t kFlagCommand = 0x100000;
-
 class Keystroke {
 public:
     Keystroke() = delete;

@@ -42,7 +42,7 @@ void Keystroke::pasteText(const std::string& text) {
             const platform::Event event = keyboard::keyEvent(
                 &source, keyboard::kVKeyCode, down,
                 down ? "Failed to create Cmd+V key down" : "Failed to create Cmd+V key up");
-            p.setEventFlags(event, kFlagCommand);
+            p.setEventFlags(event, platform::kEventFlagCommand);
             keyboard::mark(event);
             keyboard::post(event);
         }

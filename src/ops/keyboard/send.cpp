@@ -3,7 +3,7 @@
 
 #include "ops/keyboard/events.h"
 #include "ops/keyboard/keystroke.h"
-#include "core/unicode.h"
+#include "ops/lookup.h"
 
 namespace zeblo {
 namespace {
@@ -11,10 +11,10 @@ namespace {
 // The event flags for `send`'s modifier bits; every other bit is ignored.
 std::uint64_t flagsForModifiers(std::int64_t modifiers) {
     std::uint64_t flags = 0;
-    if (modifiers & 1) flags |= kFlagShift;
-    if (modifiers & 2) flags |= kFlagControl;
-    if (modifiers & 4) flags |= kFlagOption;
-    if (modifiers & 8) flags |= kFlagCommand;
+    if (modifiers & 1) flags |= platform::kEventFlagShift;
+    if (modifiers & 2) flags |= platform::kEventFlagControl;
+    if (modifiers & 4) flags |= platform::kEventFlagOption;
+    if (modifiers & 8) flags |= platform::kEventFlagCommand;
     return flags;
 }
 
@@ -22,16 +22,9 @@ std::uint64_t flagsForModifiers(std::int64_t modifiers) {
 // otherwise the first running application whose name equals `appName`
 // exactly (canonically equivalent forms count as equal).
 platform::RunningApp targetApplication(const std::string& appName) {
-    platform::Platform& p = platform::current();
-    if (appName.empty()) {
-        std::optional<platform::RunningApp> front = p.frontmostApplication();
-        if (!front) throw KeystrokeError::noFrontmostApp();
-        return *front;
-    }
-    for (platform::RunningApp& app : p.runningApplications()) {
-        if (app.localizedName && text::canonicallyEqual(*app.localizedName, appName)) return app;
-    }
-    throw KeystrokeError::appNotFound(appName);
+    std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exact);
+    if (!app) throw appName.empty() ? KeystrokeError::noFrontmostApp() : KeystrokeError::appNotFound(appName);
+    return std::move(*app);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // Typing text key by key, as a user of a US keyboard would.
+#include "core/unicode.h"
 #include "ops/keyboard/events.h"
 #include "ops/keyboard/keystroke.h"
-#include "core/unicode.h"
 
 namespace zeblo {
 
@@ -26,7 +26,7 @@ void Keystroke::typeText(const std::string& text, bool markEvents) {
         // own events carry exactly the Shift flag; the Shift events carry no
         // flags of their own.
         const std::optional<std::uint64_t> flags =
-            key->needsShift ? std::optional<std::uint64_t>(kFlagShift) : std::nullopt;
+            key->needsShift ? std::optional<std::uint64_t>(platform::kEventFlagShift) : std::nullopt;
         if (key->needsShift) emit(keyboard::kShiftKeyCode, true, std::nullopt, "Failed to create shift down event");
         emit(key->keyCode, true, flags, "Failed to create key down event");
         emit(key->keyCode, false, flags, "Failed to create key up event");

@@ -8,9 +8,9 @@
 // alive is the list of not-yet-read siblings at each open level.
 #include <string_view>
 
+#include "core/unicode.h"
 #include "ops/menus/menu_item.h"
 #include "ops/menus/menu_reads.h"
-#include "core/unicode.h"
 
 namespace zeblo {
 

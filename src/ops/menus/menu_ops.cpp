@@ -1,9 +1,10 @@
 #include "ops/menus/menu_ops.h"
 
 #include "core/json_writer.h"
+#include "core/unicode.h"
+#include "ops/lookup.h"
 #include "ops/menus/menu_item.h"
 #include "ops/menus/menu_reads.h"
-#include "core/unicode.h"
 
 namespace zeblo {
 
@@ -34,24 +35,11 @@ std::size_t estimatedTextSize(const std::vector<MenuItem>& menus) {
 }  // namespace
 
 MenuOps::Target MenuOps::resolveApplication(Platform& p, const std::string& appName) {
+    std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exact);
+    if (!app) throw appName.empty() ? MenuError::noFrontmostApp() : MenuError::appNotFound(appName);
     Target target;
-    if (appName.empty()) {
-        auto app = p.frontmostApplication();
-        if (!app) throw MenuError::noFrontmostApp();
-        target.pid = app->pid;
-        target.localizedName = std::move(app->localizedName);
-    } else {
-        bool found = false;
-        for (auto& app : p.runningApplications()) {
-            if (app.localizedName && text::canonicallyEqual(*app.localizedName, appName)) {
-                target.pid = app.pid;
-                target.localizedName = std::move(app.localizedName);
-                found = true;
-                break;
-            }
-        }
-        if (!found) throw MenuError::appNotFound(appName);
-    }
+    target.pid = app->pid;
+    target.localizedName = std::move(app->localizedName);
     const Element application = p.createApplicationElement(target.pid);
     auto menuBar = platform::asElement(p.copyAttributeValue(application, "AXMenuBar"));
     if (!menuBar.ok()) throw MenuError::menuBarNotFound();
@@ -148,6 +136,14 @@ void MenuOps::executeMenuItem(const Element& element) {
 void MenuOps::menuClick(const std::string& appName, const std::vector<std::string>& menuPath) {
     const Element item = navigateToMenuItem(appName, menuPath);
     executeMenuItem(item);
+}
+
+bool MenuOps::menuItemExists(const std::string& appName, const std::vector<std::string>& menuPath) {
+    try {
+        return static_cast<bool>(navigateToMenuItem(appName, menuPath));
+    } catch (const MenuError&) {
+        return false;
+    }
 }
 
 bool MenuOps::menuItemEnabled(const std::string& appName, const std::vector<std::string>& menuPath) {

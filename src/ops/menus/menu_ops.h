@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "capi/bodies.h"
 #include "ops/menus/menu_error.h"
 #include "platform/platform.h"
 
@@ -31,11 +30,13 @@ public:
     // Throws MenuError.
     static void menuClick(const std::string& appName, const std::vector<std::string>& menuPath);
 
+    // Whether the item is there; false on every failure.
+    static bool menuItemExists(const std::string& appName, const std::vector<std::string>& menuPath);
+
     // Whether the item reports itself enabled; false on every failure.
     static bool menuItemEnabled(const std::string& appName, const std::vector<std::string>& menuPath);
 
 private:
-    friend bool capi::menuItemExists(const char*, const char* const*, std::int32_t) noexcept;
 
     // The application a menu operation targets, and its menu bar.
     struct Target {

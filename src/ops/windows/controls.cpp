@@ -1,5 +1,7 @@
 // Pressing buttons and checkboxes, writing a checkbox's value, and listing a
 // window's buttons.
+#include "core/json_writer.h"
+#include "core/unicode.h"
 #include "ops/windows/window_ops.h"
 
 namespace zeblo {
@@ -8,10 +10,7 @@ using platform::Element;
 
 void WindowOps::clickButton(const std::string& appName, const std::string& windowName,
                             const std::string& buttonName) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
-    const Element button = findElement(window, "AXButton", buttonName, 0);
-    if (!button) throw WindowError::buttonNotFound(buttonName);
+    const Element button = findControl(appName, windowName, "AXButton", buttonName, &WindowError::buttonNotFound);
 
     platform::Platform& p = platform::current();
     if (p.performAction(button, "AXPress") == platform::kAXErrorSuccess) return;
@@ -22,20 +21,16 @@ void WindowOps::clickButton(const std::string& appName, const std::string& windo
 
 void WindowOps::clickCheckbox(const std::string& appName, const std::string& windowName,
                               const std::string& checkboxName) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
-    const Element checkbox = findElement(window, "AXCheckBox", checkboxName, 0);
-    if (!checkbox) throw WindowError::checkboxNotFound(checkboxName);
+    const Element checkbox =
+        findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
     if (platform::current().performAction(checkbox, "AXPress") != platform::kAXErrorSuccess)
         throw WindowError::clickFailed();
 }
 
 void WindowOps::setCheckboxValue(const std::string& appName, const std::string& windowName,
                                  const std::string& checkboxName, std::int32_t value) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
-    const Element checkbox = findElement(window, "AXCheckBox", checkboxName, 0);
-    if (!checkbox) throw WindowError::checkboxNotFound(checkboxName);
+    const Element checkbox =
+        findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
     // Written as it stands, even when the checkbox already holds it.
     const platform::SetValue number = static_cast<std::int64_t>(value);
     if (platform::current().setAttributeValue(checkbox, "AXValue", number) != platform::kAXErrorSuccess)
@@ -60,6 +55,31 @@ std::vector<std::string> WindowOps::getWindowButtons(const std::string& appName,
     std::vector<std::string> buttons = getAllButtons(window);
     p.log("Found " + std::to_string(buttons.size()) + " buttons");
     return buttons;
+}
+
+std::string WindowOps::getWindowButtonsJSON(const std::string& appName, const std::string& windowName) {
+    platform::Platform& p = platform::current();
+    p.log("zeblo_get_window_buttons called");
+    p.log("Calling WindowOps.getWindowButtons(app: '" + appName + "', window: '" + windowName + "')");
+    try {
+        const std::vector<std::string> buttons = getWindowButtons(appName, windowName);
+        p.log("Successfully got " + std::to_string(buttons.size()) + " buttons, serializing to JSON");
+        std::string text = json::stringArray(buttons);
+        if (!text::isValidUtf8(text)) text = "[]";
+        p.log("Returning JSON: " + text);
+        return text;
+    } catch (const WindowError& e) {
+        p.log("WindowError caught: " + e.debugText());
+        return json::errorObject(e.shortText());
+    } catch (const Error& e) {
+        p.log("Unexpected error: " + e.debugText());
+        return json::errorObject(e.description());
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& e) {
+        p.log(std::string("Unexpected error: ") + e.what());
+        return json::errorObject(e.what());
+    }
 }
 
 }  // namespace zeblo

@@ -3,7 +3,7 @@
 // kMaxDepth, so the walks recurse on the machine stack at most 50 levels.
 #include "ops/windows/element_search.h"
 
-#include "core/unicode.h"
+#include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
 
 namespace zeblo {
@@ -37,7 +37,7 @@ Element WindowOps::findElement(const Element& in, std::string_view role, std::st
     if (depth > kMaxDepth) return {};
     if (windows::roleOf(in) == role) {
         auto title = platform::asString(platform::current().copyAttributeValue(in, "AXTitle"));
-        if (title.ok() && softMatch(title.value, name)) return in;
+        if (title.ok() && lookup::softMatch(title.value, name)) return in;
     }
     for (const Element& child : windows::childrenOf(in)) {
         if (!child) continue;

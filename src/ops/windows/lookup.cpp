@@ -1,34 +1,17 @@
 // Finding an application by name and one of its windows by title.
 #include <string>
 
-#include "core/unicode.h"
+#include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
 
 namespace zeblo {
 
 using platform::Element;
 
-bool WindowOps::softMatch(std::string_view candidate, std::string_view wanted) {
-    return text::looseMatch(candidate, wanted);
-}
-
 platform::RunningApp WindowOps::getApp(const std::string& appName) {
-    platform::Platform& p = platform::current();
-    if (appName.empty()) {
-        auto front = p.frontmostApplication();
-        if (!front) throw WindowError::noFrontmostApp();
-        return std::move(*front);
-    }
-
-    std::vector<platform::RunningApp> apps = p.runningApplications();
-    // An exact name anywhere in the list wins over a loose match earlier in it.
-    for (auto& app : apps) {
-        if (app.localizedName && *app.localizedName == appName) return std::move(app);
-    }
-    for (auto& app : apps) {
-        if (softMatch(app.localizedName.value_or(std::string()), appName)) return std::move(app);
-    }
-    throw WindowError::appNotFound(appName);
+    std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exactThenLoose);
+    if (!app) throw appName.empty() ? WindowError::noFrontmostApp() : WindowError::appNotFound(appName);
+    return std::move(*app);
 }
 
 Element WindowOps::getWindow(const platform::RunningApp& app, const std::string& windowName) {
@@ -71,7 +54,7 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
             }
             auto title = platform::asString(p.copyAttributeValue(list[i], "AXTitle"));
             if (!title.ok()) continue;
-            if (softMatch(title.value, windowName)) {
+            if (lookup::softMatch(title.value, windowName)) {
                 p.log("getWindow: Found matching window '" + title.value + "'");
                 return list[i];
             }
@@ -90,10 +73,20 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
     return list[0];
 }
 
+Element WindowOps::findWindow(const std::string& appName, const std::string& windowName) {
+    return getWindow(getApp(appName), windowName);
+}
+
+Element WindowOps::findControl(const std::string& appName, const std::string& windowName, std::string_view role,
+                               const std::string& name, WindowError (*missing)(std::string)) {
+    Element control = findElement(findWindow(appName, windowName), role, name, 0);
+    if (!control) throw missing(name);
+    return control;
+}
+
 bool WindowOps::lookupSucceeds(const std::string& appName, const std::string& windowName) {
     try {
-        const platform::RunningApp app = getApp(appName);
-        (void)getWindow(app, windowName);
+        (void)findWindow(appName, windowName);
         return true;
     } catch (const WindowError&) {
         return false;

@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/platform.h"
 #include "ops/windows/window_error.h"
+#include "platform/platform.h"
 
 namespace zeblo {
 
@@ -57,6 +57,10 @@ public:
     static void setCheckboxValue(const std::string& appName, const std::string& windowName,
                                  const std::string& checkboxName, std::int32_t value);
     static std::vector<std::string> getWindowButtons(const std::string& appName, const std::string& windowName);
+    // The button titles as a JSON array, or an error object made from a
+    // WindowError's short text; logs its progress line by line. Throws only
+    // when memory runs out.
+    static std::string getWindowButtonsJSON(const std::string& appName, const std::string& windowName);
 
     // --- Reading ------------------------------------------------------------
 
@@ -78,11 +82,18 @@ public:
                             std::optional<std::int64_t> retryTimeout);
 
 private:
-    static bool softMatch(std::string_view candidate, std::string_view wanted);
     // Empty name: the frontmost application. Exact pass, then loose pass.
     static platform::RunningApp getApp(const std::string& appName);
     // Empty name: the first window. Logs every step.
     static platform::Element getWindow(const platform::RunningApp& app, const std::string& windowName);
+    // The window of the application, both looked up as above.
+    static platform::Element findWindow(const std::string& appName, const std::string& windowName);
+    // The window's first control of `role` whose title matches `name`
+    // loosely; throws the lookup's errors, or `missing(name)` when there is
+    // no such control.
+    static platform::Element findControl(const std::string& appName, const std::string& windowName,
+                                         std::string_view role, const std::string& name,
+                                         WindowError (*missing)(std::string));
     // One close attempt: look up, read the close button, press it.
     static void closeOnce(const std::string& appName, const std::string& windowName);
     // Whether the application and the window are both found now.

@@ -1,9 +1,9 @@
 // Window titles, existence, waiting for a window and closing it. Waiting and
 // retrying poll on the calling thread with fixed sleeps, looking the
 // application and window up afresh on every poll.
-#include "ops/apps/app_ops.h"
-#include "platform/deadline.h"
+#include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
+#include "platform/deadline.h"
 
 namespace zeblo {
 
@@ -18,18 +18,8 @@ constexpr double kCloseRetryInterval = 0.1;
 
 std::vector<std::string> WindowOps::getWindowTitles(const std::string& appName) {
     platform::Platform& p = platform::current();
-    std::optional<platform::RunningApp> app;
-    if (appName.empty()) {
-        app = p.frontmostApplication();
-    } else {
-        // Loose match only: the first application in the workspace's order.
-        for (auto& candidate : p.runningApplications()) {
-            if (softMatch(candidate.localizedName.value_or(std::string()), appName)) {
-                app = std::move(candidate);
-                break;
-            }
-        }
-    }
+    // Loose match only: the first application in the workspace's order.
+    const std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::loose);
     if (!app) return {};
 
     const Element appElement = p.createApplicationElement(app->pid);
@@ -49,14 +39,10 @@ bool WindowOps::windowExists(const std::string& appName, const std::string& wind
 }
 
 bool WindowOps::windowInFront(const std::string& appName, const std::string& windowName) {
-    FrontmostInfo front;
-    try {
-        front = AppOps::getFrontmostInfo();
-    } catch (const Error&) {
-        return false;  // nothing in front: not yet
-    }
-    const bool appHolds = appName.empty() || softMatch(front.appName, appName);
-    const bool windowHolds = windowName.empty() || softMatch(front.windowTitle, windowName);
+    const std::optional<lookup::FrontmostInfo> front = lookup::frontmostInfo();
+    if (!front) return false;  // nothing in front: not yet
+    const bool appHolds = appName.empty() || lookup::softMatch(front->appName, appName);
+    const bool windowHolds = windowName.empty() || lookup::softMatch(front->windowTitle, windowName);
     return appHolds && windowHolds;
 }
 
@@ -82,8 +68,7 @@ bool WindowOps::waitForWindow(const std::string& appName, const std::string& win
 }
 
 void WindowOps::closeOnce(const std::string& appName, const std::string& windowName) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
+    const Element window = findWindow(appName, windowName);
     platform::Platform& p = platform::current();
     // A close button of the wrong kind counts as none.
     auto button = platform::asElement(p.copyAttributeValue(window, "AXCloseButton"));

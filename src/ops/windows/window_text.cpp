@@ -37,20 +37,15 @@ std::vector<std::string> WindowOps::getMenuItems(const Element& menu) {
 }
 
 std::vector<std::string> WindowOps::getWindowText(const std::string& appName, const std::string& windowName) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
     TextLines lines;
-    collectText(window, lines, 0);
+    collectText(findWindow(appName, windowName), lines, 0);
     return lines.take();
 }
 
 std::vector<std::string> WindowOps::getPopupMenuItems(const std::string& appName, const std::string& windowName,
                                                       const std::string& popupName) {
-    const platform::RunningApp app = getApp(appName);
-    const Element window = getWindow(app, windowName);
     // A missing popup is reported as a missing button.
-    const Element popup = findElement(window, "AXPopUpButton", popupName, 0);
-    if (!popup) throw WindowError::buttonNotFound(popupName);
+    const Element popup = findControl(appName, windowName, "AXPopUpButton", popupName, &WindowError::buttonNotFound);
 
     platform::Platform& p = platform::current();
     // Opening the menu; whether the press worked shows in the menu read below.

@@ -2,8 +2,8 @@
 // as text or base64, and text made well-formed for JSON.
 #include <array>
 
-#include "platform/sim/sim_state.h"
 #include "core/unicode.h"
+#include "platform/sim/sim_state.h"
 
 namespace zeblo::sim {
 namespace {
