@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "ops/apps/app_error.h"
 #include "capi/marshal.h"
 #include "core/unicode.h"
+#include "ops/apps/app_error.h"
 
 namespace zeblo::capi {
 namespace {

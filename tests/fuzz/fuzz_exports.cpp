@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "core/unicode.h"
 #include "fuzz/forwarding_platform.h"
 #include "fuzz/random_desktop.h"
 #include "fuzz/result_shapes.h"
 #include "platform/platform.h"
-#include "core/unicode.h"
 #include "zeblo/zeblo.h"
 
 namespace zeblo::fuzz {

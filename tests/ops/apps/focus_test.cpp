@@ -53,6 +53,7 @@ TEST_F(FocusTest, VisibleChoiceSkipsHiddenAndBackgroundApps) {
         {"name": "Code", "pid": 12}]})J");
     EXPECT_EQ(activatedFor("code"), std::vector<int>{12});
     EXPECT_EQ(activatedFor("worker").size(), 0u);
+    ASSERT_FALSE(logs().empty());
     EXPECT_EQ(logs().back(), appErrorLine("zeblo_focus_app", 0));
 }
 

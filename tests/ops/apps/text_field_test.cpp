@@ -48,37 +48,5 @@ TEST_F(TextFieldTest, NoFocusedElement) {
     EXPECT_FALSE(done(zeblo_is_in_text_field()));
 }
 
-// The commands of the applications area, run as the zeblo tool on the example desktop.
-std::string onExample(const std::string& args) {
-    return "--simulate " + sourcePath("examples/desktop.json") + " " + args;
-}
-
-TEST(AppCommands, FocusLaunchAndTextField) {
-    const ToolRun focus = runTool(onExample("--trace - focus notes '' 1 0 0 2>&1"));
-    EXPECT_EQ(focus.exitCode, 0);
-    EXPECT_EQ(focus.out.rfind("true\n", 0), 0u) << focus.out;
-    EXPECT_NE(focus.out.find(R"({"activate":202,"options":2,"accepted":true})"), std::string::npos) << focus.out;
-
-    const ToolRun missing = runTool(onExample("focus nowhere '' 1 0 0"));
-    EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_EQ(missing.out, "false\n");
-
-    EXPECT_EQ(runTool(onExample("launch Sketchpad")).out, "true\n");
-    const ToolRun refused = runTool(onExample("launch Nowhere"));
-    EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_EQ(refused.out, "false\n");
-
-    EXPECT_EQ(runTool(onExample("in-text-field")).out, "true\n");
-}
-
-TEST(AppCommands, UsageErrors) {
-    for (const char* args : {"focus notes '' 1 0", "focus notes '' 2 0 0", "focus notes '' 1 yes 0",
-                             "focus notes '' 1 0 soon", "focus notes '' 1 0 0x100000000", "launch",
-                             "launch a b", "in-text-field now"}) {
-        EXPECT_EQ(runTool(onExample(args) + " 2>/dev/null").exitCode, 2) << args;
-    }
-    EXPECT_EQ(runTool(onExample("focus notes '' 1 0 -1")).exitCode, 0);
-}
-
 }  // namespace
 }  // namespace zeblo::testing

@@ -1,8 +1,8 @@
 // Direct entry into the focused field through zeblo_paste_into_focused_field:
 // the trust check, the focused element, setAXValue's log lines, the direct
 // children, the Return press and every failure.
-#include "ops/keyboard/keystroke.h"
 #include "keyboard_support.h"
+#include "ops/keyboard/keystroke.h"
 
 namespace zeblo::testing {
 namespace {

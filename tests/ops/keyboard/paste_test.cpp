@@ -91,7 +91,7 @@ TEST_F(PasteTest, AnyTextIsPastedUnchanged) {
         desk().setPasteboard({{{{kPlain, bytes("kept")}}}});
         EXPECT_TRUE(done(zeblo_paste_text(text.c_str())));
         EXPECT_EQ(asArray(traceOf("text")), asArray({setString(text)}));
-        EXPECT_EQ(desk().pasteboard().size(), 1u);
+        ASSERT_EQ(desk().pasteboard().size(), 1u);
         EXPECT_EQ(desk().pasteboard()[0].entries.at(0).second, bytes("kept"));
     }
     // A null text is pasted as the empty text.

@@ -1,8 +1,8 @@
 // Window text with its de-duplication and limits, and popup menus.
 #include <random>
 
-#include "window_fixture.h"
 #include "ops/windows/text_lines.h"
+#include "window_fixture.h"
 
 namespace zeblo::testing {
 namespace {

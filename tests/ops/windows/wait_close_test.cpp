@@ -135,17 +135,5 @@ TEST_F(Closing, AllWindowsOrTheApplicationGone) {
     EXPECT_DOUBLE_EQ(desk().clock(), 0.5);
 }
 
-TEST_F(Closing, CommandLineOnTheExampleDesktop) {
-    const std::string desk = "--simulate " + sourcePath("examples/desktop.json");
-    const ToolRun wait = runTool(desk + " --trace - wait-window 'Quick Notes' 'Export Complete' 0 1000 2>&1");
-    EXPECT_EQ(wait.exitCode, 0);
-    EXPECT_EQ(wait.out.substr(0, 5), "true\n");
-    EXPECT_NE(wait.out.find(R"({"end":{"clock":0.25,"liveHandles":0)"), std::string::npos);
-    EXPECT_EQ(runTool(desk + " close-window notes settings -1").out, "true\n");
-    EXPECT_EQ(runTool(desk + " window-exists Mail Drafts").exitCode, 1);
-    EXPECT_EQ(runTool(desk + " set-checkbox notes '' spelling x 2>/dev/null").exitCode, 2);
-    EXPECT_EQ(runTool(desk + " windows notes").out, "[\"Groceries \u2014 Edited\",\"Settings\"]\n");
-}
-
 }  // namespace
 }  // namespace zeblo::testing
