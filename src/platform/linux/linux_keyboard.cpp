@@ -49,9 +49,10 @@ constexpr std::uint16_t kShift = 1, kControl = 2, kAlt = 4;
 
 std::uint16_t modifiersOf(std::uint64_t flags) {
     std::uint16_t bits = 0;
-    if (flags & 0x20000) bits |= kShift;
-    if (flags & (0x40000 | 0x100000)) bits |= kControl;
-    if (flags & 0x80000) bits |= kAlt;
+    if (flags & kEventFlagShift) bits |= kShift;
+    // The command key of a keystroke is Control on this desktop.
+    if (flags & (kEventFlagControl | kEventFlagCommand)) bits |= kControl;
+    if (flags & kEventFlagOption) bits |= kAlt;
     return bits;
 }
 
