@@ -3,8 +3,13 @@
 # example desktop (examples/desktop.json) through the library's exports.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
-BUILD_DIR=build scripts/build.sh >/dev/null
+# Only what the library and the tool need, and only those two targets. A build
+# directory configured already (by the test command, say) keeps its options;
+# a new one leaves the tests and benchmarks out.
+scripts/install-deps.sh --build-only
+options=()
+[ -f build/CMakeCache.txt ] || options=(-DZEBLO_BUILD_TESTS=OFF -DZEBLO_BUILD_BENCH=OFF)
+BUILD_DIR=build BUILD_TARGETS="zeblo ZEBLOui" scripts/build.sh "${options[@]}" >/dev/null
 
 desktop=examples/desktop.json
 zeblo() { build/zeblo --simulate "$desktop" "$@"; }

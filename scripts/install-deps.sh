@@ -2,30 +2,35 @@
 # Installs the Debian packages the project builds and tests with, only those
 # that are missing. Run as root (or with sudo available).
 #
-#   install-deps.sh [--desktop] [PACKAGE...]
+#   install-deps.sh [--build-only] [--desktop] [PACKAGE...]
 #
+# By default: what building and testing everything needs. --build-only
+# narrows that to what the library and the zeblo tool need (the demo's set).
 # --desktop adds what a headless desktop session and the real applications
 # the end-to-end tests and the desktop benchmark drive need.
 set -euo pipefail
 
-packages=(
-  cmake ninja-build g++ clang pkg-config
-  libgtest-dev libgmock-dev libbenchmark-dev
+build=(
+  cmake ninja-build g++ pkg-config
   libicu-dev nlohmann-json3-dev
-  libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
   libatspi2.0-dev libxtst-dev libx11-dev  # the Linux desktop backend
+)
+tests=(
+  clang libgtest-dev libgmock-dev libbenchmark-dev
+  libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
 )
 desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps
   gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
 )
+packages=("${build[@]}" "${tests[@]}")
 extra=()
 for arg in "$@"; do
-  if [ "$arg" = "--desktop" ]; then
-    extra+=("${desktop[@]}")
-  else
-    extra+=("$arg")
-  fi
+  case "$arg" in
+    --build-only) packages=("${build[@]}") ;;
+    --desktop) extra+=("${desktop[@]}") ;;
+    *) extra+=("$arg") ;;
+  esac
 done
 
 missing=()
