@@ -55,36 +55,6 @@ TEST_F(SimTest, ActionsConsumeResultCodesAndPressesCloseOrToggle) {
     EXPECT_EQ(desk->trace().back(), Json::parse(R"({"action": "AXPress", "element": null, "result": 0})"));
 }
 
-TEST_F(SimTest, SettingChangesLaterReadsAndDeadElementsFailEverything) {
-    load(kWindows);
-    Element field = desk->elementOf(desk->node("field"));
-    Element locked = desk->elementOf(desk->node("locked"));
-    EXPECT_EQ(desk->setAttributeValue(field, "AXValue", std::string("new")), 0);
-    EXPECT_EQ(asString(read(field, "AXValue")).value, "new");
-    EXPECT_EQ(desk->setAttributeValue(field, "AXValue", std::int64_t{1}), 0);
-    EXPECT_EQ(asInteger(read(field, "AXValue")).value, 1);
-    EXPECT_EQ(desk->setAttributeValue(field, "AXTitle", std::string("t")), kAXErrorAttributeUnsupported);
-    EXPECT_EQ(desk->setAttributeValue(locked, "AXValue", std::string("new")), -25200);
-    EXPECT_EQ(asString(read(locked, "AXValue")).value, "old");
-    auto settable = desk->isAttributeSettable(locked, "AXValue");
-    EXPECT_EQ(settable.code, 0);
-    EXPECT_TRUE(settable.settable);
-    EXPECT_FALSE(desk->isAttributeSettable(locked, "AXTitle").settable);
-    auto names = desk->copyActionNames(locked);
-    EXPECT_EQ(names.code, -25204);
-    EXPECT_FALSE(names.names);
-    EXPECT_EQ(desk->trace()[0],
-              Json::parse(R"({"set": "AXValue", "element": "field", "value": "new", "result": 0})"));
-    EXPECT_EQ(desk->trace()[1], Json::parse(R"({"set": "AXValue", "element": "field", "value": 1, "result": 0})"));
-
-    Element gone = app(999);  // no such process
-    EXPECT_EQ(read(gone, "AXRole").code, kAXErrorInvalidUIElement);
-    EXPECT_EQ(desk->copyAttributeNames(gone).code, kAXErrorInvalidUIElement);
-    EXPECT_EQ(desk->performAction(gone, "AXPress"), kAXErrorInvalidUIElement);
-    EXPECT_EQ(desk->setAttributeValue(gone, "AXValue", std::string("x")), kAXErrorInvalidUIElement);
-    EXPECT_EQ(read(Element{}, "AXRole").code, kAXErrorIllegalArgument);
-}
-
 TEST_F(SimTest, SleepingAppliesTheTimelineOnAnExactClock) {
     load(R"({"apps": [{"name": "A", "pid": 1, "element": {"attrs": {"AXWindows": [{"id": "w1"}, {"id": "w2"}]}}},
                       {"name": "B", "pid": 2}],
@@ -113,50 +83,6 @@ TEST_F(SimTest, SleepingAppliesTheTimelineOnAnExactClock) {
     EXPECT_EQ(asString(read(app(3), "AXTitle")).value, "C");
     EXPECT_EQ(desk->trace()[3], Json::parse(R"({"sleep": 0.05})"));
     EXPECT_EQ(desk->endRecord()["end"]["clock"], 2.0);
-}
-
-TEST_F(SimTest, EventsCountFailuresAndRecordFlagsAndMarker) {
-    load(R"({"failures": {"keyboardEvents": [2]}})");
-    EventSource source = desk->createEventSource(kEventSourceStateHIDSystemState);
-    ASSERT_TRUE(source);
-    Event e1 = desk->createKeyboardEvent(&source, 12, true);
-    EXPECT_FALSE(desk->createKeyboardEvent(&source, 12, false));
-    Event e3 = desk->createKeyboardEvent(nullptr, 13, false);
-    EXPECT_TRUE(e1 && e3);
-    desk->resetEventCount();
-    EXPECT_TRUE(desk->createKeyboardEvent(nullptr, 1, true));
-    EXPECT_FALSE(desk->createKeyboardEvent(nullptr, 1, true));
-    desk->setEventFlags(e1, 0x100000);
-    desk->setEventIntegerField(e1, 127, 42);
-    desk->setEventIntegerField(e3, 5, 9);  // only field 127 is kept
-    Event copy = e1;
-    e1 = {};  // the copy keeps the event alive
-    EXPECT_EQ(desk->liveHandles(), 3);
-    desk->postEvent(kHIDEventTap, copy);
-    desk->postEvent(kHIDEventTap, e3);
-    EXPECT_EQ(desk->trace()[0], Json::parse(R"({"key": 12, "down": true, "flags": 1048576, "marker": 42})"));
-    EXPECT_EQ(desk->trace()[1], Json::parse(R"({"key": 13, "down": false, "flags": null, "marker": null})"));
-    desk->setEventSourceFails(true);
-    EXPECT_FALSE(desk->createEventSource(kEventSourceStateHIDSystemState));
-}
-
-TEST_F(SimTest, LaunchAndActivateFollowTheDesktop) {
-    load(kWindows);
-    EXPECT_TRUE(desk->launchApplication("TextEdit"));
-    EXPECT_EQ(desk->runningApplications().back().localizedName, "TextEdit");
-    EXPECT_TRUE(desk->launchApplication("TextEdit"));  // now running: accepted, not added again
-    EXPECT_EQ(desk->runningApplications().size(), 3u);
-    EXPECT_TRUE(desk->launchApplication("Mail"));
-    EXPECT_FALSE(desk->launchApplication("mail"));
-    auto apps = desk->runningApplications();
-    EXPECT_FALSE(desk->activateApplication(apps[0], kActivateIgnoringOtherApps));  // Mail refuses
-    EXPECT_TRUE(desk->activateApplication(apps[1], 0));
-    EXPECT_EQ(desk->frontmostApplication()->pid, 130);
-    EXPECT_FALSE(desk->activateApplication(RunningApp{std::nullopt, 999, false, 0}, 0));
-    auto trace = desk->trace();
-    EXPECT_EQ(trace[0], Json::parse(R"({"launch": "TextEdit", "accepted": true})"));
-    EXPECT_EQ(trace[3], Json::parse(R"({"launch": "mail", "accepted": false})"));
-    EXPECT_EQ(trace[4], Json::parse(R"({"activate": 120, "options": 2, "accepted": false})"));
 }
 
 TEST_F(SimTest, PasteboardRoundTripsBinaryData) {
@@ -203,18 +129,6 @@ TEST_F(SimTest, LiveHandlesCountEveryReferenceIncludingArrayEntries) {
     EXPECT_EQ(desk->liveHandles(), 1);
     root = {};
     EXPECT_EQ(desk->endRecord()["end"]["liveHandles"], 0);
-}
-
-TEST_F(SimTest, RecordingOffKeepsNoTrace) {
-    load(kWindows);
-    desk->setRecording(false);
-    desk->log("line");
-    desk->sleep(0.5);
-    desk->clearPasteboard();
-    EXPECT_TRUE(desk->trace().empty());
-    desk->setRecording(true);
-    desk->log("bad \xff byte");
-    EXPECT_EQ(desk->logLines(), (std::vector<std::string>{"bad \xef\xbf\xbd byte"}));
 }
 
 TEST(PlatformInstall, ReplacedBackendsStayAlive) {
