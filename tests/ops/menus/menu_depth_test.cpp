@@ -121,45 +121,5 @@ TEST_F(MenuDepthTest, BuildingFromElementsOnATinyStack) {
     EXPECT_EQ(desk().liveHandles(), 0);
 }
 
-TEST_F(MenuDepthTest, RecordsCopyCompareWriteDecodeAndDestroyOnAHostSizedStack) {
-    constexpr int kDepth = 100000;
-    MenuItem original;
-    original.title = "t";
-    MenuItem* tip = &original;
-    for (int i = 1; i < kDepth; ++i) {
-        tip = &tip->children.emplace().emplace_back();
-        tip->title = "t";
-        tip->cmdModifiers = i;
-    }
-
-    std::string text;
-    bool copiesEqual = false;
-    runOnStack(kHostStack, [&] {
-        MenuItem copy = original;
-        copiesEqual = copy == original;
-        (*copy.children)[0].checked = true;
-        copiesEqual = copiesEqual && !(copy == original);
-        zeblo::json::Writer w(zeblo::json::Layout::compact);
-        copy.encode(w);
-        text = w.take();
-    });
-    EXPECT_TRUE(copiesEqual);
-
-    const json parsed = json::parse(text);
-    int levels = 1;
-    for (const json* item = &parsed; item->contains("children"); item = &(*item)["children"][0]) ++levels;
-    EXPECT_EQ(levels, kDepth);
-
-    bool decodedEqual = false;
-    runOnStack(kHostStack, [&] {
-        MenuItem decoded = MenuItem::decode(parsed);
-        (*decoded.children)[0].checked = false;
-        decodedEqual = decoded == original;
-        MenuItem gone = std::move(original);
-    });
-    EXPECT_TRUE(decodedEqual);
-    EXPECT_TRUE(!original.children || original.children->empty());  // moved away and destroyed
-}
-
 }  // namespace
 }  // namespace zeblo::testing
