@@ -87,6 +87,7 @@ TEST_F(SimTest, BadFilesAreRefusedWithTheirPlace) {
         {R"({"pasteboard": [{"t": {"base64": "@@@"}}]})", "pasteboard[0].t.base64"},
         {R"({"pasteboard": [{"t": 5}]})", "pasteboard[0].t"},
         {R"({"timeline": [{"frontmost": 1}]})", "at"},
+        {R"({"timeline": [{"at": "soon", "frontmost": 1}]})", "at"},
         {R"({"timeline": [{"at": 1, "explode": 1}]})", "explode"},
         {R"({"timeline": [{"at": 1, "removeWindow": "ghost"}]})", "ghost"},
         {R"({"failures": {"keyboardEvents": [0]}})", "keyboardEvents[0]"},
