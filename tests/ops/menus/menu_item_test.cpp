@@ -66,6 +66,8 @@ TEST_F(MenuItemTest, RecordsRoundTripWithEveryOptionalField) {
     MenuItem changed = item;
     (*changed.children)[0].cmdModifiers.reset();
     EXPECT_FALSE(changed == item);
+    changed = item;  // assignment copies the whole tree back
+    EXPECT_EQ(changed, item);
 }
 
 TEST_F(MenuItemTest, DecodingDefaultsAndIgnoredKeys) {
