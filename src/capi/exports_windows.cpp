@@ -22,7 +22,8 @@ bool clickCheckbox(const char* appName, const char* windowName, const char* chec
 // This export writes its own progress lines and its own, shorter error texts;
 // when memory runs out it answers "[]".
 const char* getWindowButtons(const char* appName, const char* windowName) noexcept {
-    return runJson("[]", true, [&] { return WindowOps::getWindowButtonsJSON(decodeString(appName), decodeString(windowName)); });
+    return runJson("[]", true,
+                   [&] { return WindowOps::getWindowButtonsJSON(decodeString(appName), decodeString(windowName)); });
 }
 
 bool setCheckboxValue(const char* appName, const char* windowName, const char* checkboxName,

@@ -45,9 +45,10 @@ void AppOps::focusApp(const std::string& appName, const std::string& windowName,
     // never comes is not an error.
     const platform::Deadline deadline(timeout);
     while (!deadline.passed()) {
-        // Nothing in front at the moment: keep waiting.
+        // With nothing in front at the moment, the wait goes on.
         const std::optional<FrontmostInfo> front = lookup::frontmostInfo();
-        if (front && lookup::softMatch(front->appName, appName) && lookup::softMatch(front->windowTitle, windowName)) {
+        if (front && lookup::softMatch(front->appName, appName) &&
+            lookup::softMatch(front->windowTitle, windowName)) {
             return;
         }
         p.sleep(kPollInterval);

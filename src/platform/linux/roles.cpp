@@ -85,7 +85,8 @@ std::string axRole(Node& node) {
         AtspiRole parentRole = ATSPI_ROLE_INVALID;
         if (const Survey::Item* parent = item != nullptr ? node.survey->parent(*item) : nullptr) {
             parentRole = parent->role;
-        } else if (const AccessibleRef p = AccessibleRef::adopt(atspi_accessible_get_parent(node.object.get(), nullptr))) {
+        } else if (const AccessibleRef p =
+                       AccessibleRef::adopt(atspi_accessible_get_parent(node.object.get(), nullptr))) {
             parentRole = roleOfObject(p.get());
         }
         if (parentRole == ATSPI_ROLE_MENU_BAR) return "AXMenuBarItem";
