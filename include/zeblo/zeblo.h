@@ -86,7 +86,7 @@
 ** Threads and state.  Every function runs synchronously on the calling
 ** thread and blocks it until the work, including any waiting, is finished:
 ** pauses and polls are sleeps on the calling thread, and a call to an
-** application that does not answer blocks until the platform's timeout.  The
+** application that does not answer blocks until the reply limit (below).  The
 ** library starts no threads (on Linux it starts processes: the applications
 ** it launches and the clipboard holder, see PLATFORMS).  Every call looks
 ** the application, window and elements up afresh: no application, window,
@@ -104,6 +104,21 @@
 ** Either way calls meet in the desktop itself (the same application, the
 ** same pasteboard, the same event stream), and two calls that drive the same
 ** application or the keyboard at once interfere as two users would.
+**
+** Reply limit.  No single message to another application waits more than
+** the reply limit for its answer: 1000 ms, or the whole number of
+** milliseconds (10 to 60000) in the environment variable
+** ZEBLO_REPLY_TIMEOUT_MS, read once at the first call that needs it.  A read
+** that runs out fails with kAXErrorCannotComplete (-25204), so an
+** application that has stopped answering gives each function's documented
+** failure (an error object, false or an empty list, with its log line) after
+** about one limit per step the function takes, and a wait still ends by its
+** own timeout plus at most one limit.  An action (a press, a pick, a
+** checkbox toggle) that runs out was delivered and is still running (an
+** action that opens a modal dialog answers only when the dialog closes): it
+** counts as performed, and no second action is sent in its place.  Calls
+** about other applications do not wait on one that has stopped answering:
+** it stays in the list of running applications (see PLATFORMS).
 **
 ** Permission.  On macOS the host process needs the accessibility permission
 ** (System Settings > Privacy & Security > Accessibility) for everything that
@@ -181,8 +196,11 @@
 **     syslog.
 **
 ** macOS.  The backend keeps nothing and takes no locks.  Each accessibility
-** call is a message to the other process and can block until it answers or
-** the system's timeout runs out.  The workspace's list of applications is
+** call is a message to the other process; every element the backend creates
+** or reads gets the reply limit as its messaging timeout
+** (AXUIElementSetMessagingTimeout).  Set on the system-wide element, that
+** timeout is also the process's default for elements without one of their
+** own, the host's included.  The workspace's list of applications is
 ** refreshed when the host's main run loop turns: a host that never runs it
 ** sees applications launched since its last turn as missing.  Log lines go
 ** to NSLog.
@@ -193,8 +211,12 @@
 ** zeblo_get_frontmost_info).  The running applications are those registered
 ** on the accessibility bus, in the registry's order, named by their
 ** accessible name, which for GTK applications is the program name (e.g.
-** "l3afpad"); one whose name or process id the bus does not give is left
-** out.  No application is ever hidden.  An application with at least one
+** "l3afpad"); one whose process id the bus does not give is left out.  The
+** list waits at most 250 ms (or the reply limit when shorter) for an
+** application's name: one that does not answer in time is listed under the
+** name it last gave, else its program name (the file name of its command
+** from /proc), and later lists wait only 25 ms for it until it answers
+** again.  No application is ever hidden.  An application with at least one
 ** window counts as regular (activation policy 0), one without as a
 ** background helper.  The frontmost application is the process of the X
 ** active window (_NET_ACTIVE_WINDOW and its _NET_WM_PID, so a window manager
@@ -307,8 +329,13 @@
 **
 **   - From the first call until the process ends: one X display connection
 **     with an unmapped 1x1 window of its own (it owns CLIPBOARD during a
-**     paste), and libatspi's connection to the accessibility bus with its
-**     cache of objects.  Opening the display installs, for the whole
+**     paste), libatspi's connection to the accessibility bus with its cache
+**     of objects, a private GLib main context that libatspi dispatches the
+**     bus's signals on (libatspi's method call timeout is set to the reply
+**     limit, with no longer grace period for new applications; both are
+**     process-wide settings of libatspi, which a host that uses libatspi
+**     itself shares), and the last name, child count and answering state of
+**     each registered application (forgotten when it leaves the registry).  Opening the display installs, for the whole
 **     process, an Xlib error handler that ignores every error (a window that
 **     has gone away is not worth ending the host for); a host that uses Xlib
 **     itself and needs its own handler installs it again after its first
@@ -319,11 +346,11 @@
 **     operation, a log line, the release of an element), not for a whole
 **     call; a pause takes it in slices of at most 10 ms and answers
 **     CLIPBOARD requests in each.  A step waiting for a slow application
-**     (D-Bus replies time out after 5 s) holds up the other threads' steps.
+**     (at most the reply limit) holds up the other threads' steps.
 **   - Looking an application up first runs up to 10,000 non-blocking
-**     iterations of GLib's global default main context on the calling
-**     thread, to handle queued accessibility-bus signals: a GLib host's
-**     pending sources on that context may be dispatched there.
+**     iterations of the library's private main context on the calling
+**     thread, to handle queued accessibility-bus signals.  The host's own
+**     GLib main contexts are never iterated.
 **   - After a paste that saved text, the clipboard holder process (above).
 **   - Nothing else: element handles, the bulk reads of a walk
 **     (docs/linux-backend.md) and key events die before the call returns,

@@ -1,6 +1,12 @@
 // End-to-end tests against applications we did not write: l3afpad (menus,
 // typing, pasting with the clipboard restored) and gtk3-widget-factory
 // (buttons, checkboxes, window text, closing).
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
 #include "e2e_support.h"
 
 namespace {
@@ -11,7 +17,7 @@ constexpr uint32_t kShift = 1, kCommand = 1 << 3;
 
 class L3afpad : public DesktopTest {
 protected:
-    static constexpr const char* kApp = "l3afpad";
+    static constexpr const char *kApp = "l3afpad";
 
     static void SetUpTestSuite() {
         if (!desktopAvailable()) return;
@@ -34,10 +40,10 @@ TEST_F(L3afpad, MenusAreReadAndChosen) {
     ASSERT_TRUE(snapshot.is_object());
     ASSERT_GE(snapshot["menus"].size(), 4u);
     EXPECT_EQ(snapshot["menus"][0]["title"], "File");
-    const char* selectAll[] = {"Edit", "Select All"};
+    const char *selectAll[] = {"Edit", "Select All"};
     EXPECT_TRUE(zeblo_menu_item_exists(kApp, selectAll, 2));
     EXPECT_TRUE(zeblo_menu_item_enabled(kApp, selectAll, 2));
-    const char* missing[] = {"Edit", "Frobnicate"};
+    const char *missing[] = {"Edit", "Frobnicate"};
     EXPECT_FALSE(zeblo_menu_item_exists(kApp, missing, 2));
 }
 
@@ -71,7 +77,7 @@ TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
 
 class WidgetFactory : public DesktopTest {
 protected:
-    static constexpr const char* kApp = "gtk3-widget-factory";
+    static constexpr const char *kApp = "gtk3-widget-factory";
 
     static void SetUpTestSuite() {
         if (!desktopAvailable()) return;
@@ -104,6 +110,53 @@ TEST_F(WidgetFactory, ButtonsCheckboxesAndWindowText) {
     EXPECT_TRUE(zeblo_set_checkbox_value(kApp, nullptr, "togglebutton", 0));
     EXPECT_FALSE(zeblo_click_checkbox(kApp, nullptr, "no such checkbox"));
     EXPECT_TRUE(zeblo_click_button(kApp, nullptr, "Get Busy"));
+}
+
+// The process ids of the programs named `program`.
+std::vector<pid_t> pidsOf(const std::string &program) {
+    std::vector<pid_t> pids;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream comm(entry.path() / "comm");
+        std::string name;
+        if (std::getline(comm, name) && name.size() >= std::min<std::size_t>(program.size(), 15) &&
+            program.rfind(name, 0) == 0) {
+            pids.push_back(static_cast<pid_t>(std::stoi(entry.path().filename().string())));
+        }
+    }
+    return pids;
+}
+
+// Seconds that `call` takes.
+template <class Call>
+double secondsOf(Call call) {
+    const auto start = std::chrono::steady_clock::now();
+    call();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// A stopped application (SIGSTOP) neither slows calls about another one nor
+// drops out of the list; calls about it fail within their reply limits
+// (1 s each; the limits below are generous); once it continues it answers.
+TEST_F(WidgetFactory, AStoppedApplicationStallsNothing) {
+    ASSERT_TRUE(zeblo_focus_app("l3afpad", nullptr, false, true, 20000));
+    ASSERT_TRUE(zeblo_wait_for_window("l3afpad", nullptr, 0, 20000));
+    const std::vector<pid_t> pids = pidsOf(kApp);
+    ASSERT_EQ(pids.size(), 1u);
+    const auto lookUpOther = [] { EXPECT_TRUE(zeblo_window_exists("l3afpad", nullptr)); };
+    const double healthy = secondsOf(lookUpOther);
+
+    ASSERT_EQ(kill(pids[0], SIGSTOP), 0);
+    EXPECT_LT(secondsOf(lookUpOther), healthy + 0.6);
+    EXPECT_LT(secondsOf(lookUpOther),
+              healthy + 0.3);  // it is known to be silent now
+    EXPECT_TRUE(isRunning(kApp));
+    EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_window_exists(kApp, nullptr)); }), 4.0);
+    EXPECT_LT(secondsOf([] { EXPECT_TRUE(takeJson(zeblo_get_window_text(kApp, nullptr)).contains("error")); }), 4.0);
+    EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_wait_for_window(kApp, nullptr, 0, 2000)); }), 5.0);
+    EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_click_button(kApp, nullptr, "Get Busy")); }), 4.0);
+
+    ASSERT_EQ(kill(pids[0], SIGCONT), 0);
+    EXPECT_TRUE(eventually([] { return zeblo_window_exists(kApp, nullptr); }, 5.0));
 }
 
 TEST_F(WidgetFactory, ClosingTheWindowEndsIt) {

@@ -72,7 +72,7 @@ must_reject "string-where-element-expected" \
 must_reject "copy-without-output-slot" \
   'void f(AXUIElementRef e, CFStringRef a) { AXUIElementCopyAttributeValue(e, a); }'
 must_reject "undeclared-framework-call" \
-  'void f(AXUIElementRef e) { AXUIElementSetMessagingTimeout(e, 1.0f); }'
+  'void f(AXUIElementRef e) { CFArrayRef n; AXUIElementCopyParameterizedAttributeNames(e, &n); }'
 
 # --- No hand-written releases ---------------------------------------------------------
 # Core Foundation objects are released by ScopedCF, and handles by

@@ -1,6 +1,8 @@
 // The applications registered on the accessibility bus, read in two round
 // trips however many there are: the registry's child list in one call, then
-// every application's process id, name and child count in one batch.
+// every application's process id, name and child count in one batch. An
+// application that does not answer is listed all the same, under what it
+// answered before, and the list does not wait on it again.
 #pragma once
 
 #include <atspi/atspi.h>
@@ -8,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/linux/owned.h"
@@ -22,13 +25,44 @@ struct ListedApp {
     std::int32_t childCount = -1;     // -1: likewise
 };
 
+// What the list keeps between calls about each application still registered:
+// its last name and child count, and whether it left the last question
+// unanswered ("silent").
+class AppMemory {
+public:
+    struct Entry {
+        std::string name;
+        std::int32_t childCount = -1;
+        bool silent = false;
+    };
+    // How long the batch waits for an application's name: a moment (a
+    // healthy application answers in a few milliseconds; one that does not is
+    // listed all the same), and hardly at all for a silent one, which is asked
+    // again all the same and speaks again once it answers in that time. Never
+    // more than the reply limit.
+    int waitFor(const std::string &busName) const;
+    static constexpr int kListWaitMs = 250;
+    static constexpr int kSilentWaitMs = 25;
+
+    // Records an answer, or its absence; gives what to list.
+    const Entry &answered(const std::string &busName, std::string name, std::int32_t childCount);
+    const Entry &unanswered(const std::string &busName, std::int32_t pid);
+    // Forgets the applications that are no longer registered.
+    void keepOnly(const std::vector<ListedApp> &listed);
+
+private:
+    std::unordered_map<std::string, Entry> entries_;
+};
+
 // The registry's applications in its order; empty when it does not answer.
-// Their names and child counts are asked for only `withNames`: the process
-// ids come from the bus itself, without waiting on any application.
-std::vector<ListedApp> listApplications(bool withNames);
+// Their names and child counts are asked for only when `memory` is given: the
+// process ids come from the bus itself, without waiting on any application.
+// An application that gives no name in time is listed under its remembered
+// name, else its program name (from /proc).
+std::vector<ListedApp> listApplications(AppMemory *memory);
 
 // The accessible object of `listed`, which stood at `index` of the list, with
 // its own reference; null when it has gone.
-AccessibleRef applicationObject(const ListedApp& listed, std::size_t index);
+AccessibleRef applicationObject(const ListedApp &listed, std::size_t index);
 
 }  // namespace zeblo::platform::linux_desktop

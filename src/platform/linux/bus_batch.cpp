@@ -2,18 +2,19 @@
 #include "platform/linux/bus_batch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <utility>
+
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
 
 namespace {
 
-constexpr int kReplyTimeoutMs = 5000;
-
 // The first argument of `answer`, looked at through one variant; false when
 // the answer is missing or an error.
-bool firstArgument(const Message& answer, int type, void* value) {
+bool firstArgument(const Message &answer, int type, void *value) {
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
     DBusMessageIter it;
     if (!dbus_message_iter_init(answer.get(), &it)) return false;
@@ -30,9 +31,9 @@ bool firstArgument(const Message& answer, int type, void* value) {
 // Reads the elements of an answer whose whole signature is `signature` (an
 // array); false when it is another.
 template <class Read>
-bool eachElement(const Message& answer, const char* signature, Read read) {
+bool eachElement(const Message &answer, const char *signature, Read read) {
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
-    const char* actual = dbus_message_get_signature(answer.get());
+    const char *actual = dbus_message_get_signature(answer.get());
     if (actual == nullptr || std::strcmp(actual, signature) != 0) return false;
     DBusMessageIter it, element;
     dbus_message_iter_init(answer.get(), &it);
@@ -43,20 +44,20 @@ bool eachElement(const Message& answer, const char* signature, Read read) {
     return true;
 }
 
-const char* basicString(DBusMessageIter* it) {
-    const char* text = nullptr;
+const char *basicString(DBusMessageIter *it) {
+    const char *text = nullptr;
     dbus_message_iter_get_basic(it, &text);
     return text != nullptr ? text : "";
 }
 
 }  // namespace
 
-Message methodCall(const char* destination, const char* path, const char* interface, const char* member) {
+Message methodCall(const char *destination, const char *path, const char *interface, const char *member) {
     if (destination == nullptr || path == nullptr || !dbus_validate_path(path, nullptr)) return nullptr;
     return Message(dbus_message_new_method_call(destination, path, interface, member));
 }
 
-Message propertyCall(const char* destination, const char* path, const char* interface, const char* property) {
+Message propertyCall(const char *destination, const char *path, const char *interface, const char *property) {
     Message call = methodCall(destination, path, "org.freedesktop.DBus.Properties", "Get");
     if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
                                           DBUS_TYPE_INVALID)) {
@@ -65,54 +66,74 @@ Message propertyCall(const char* destination, const char* path, const char* inte
     return call;
 }
 
-std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& calls) {
+std::vector<Message> callAll(DBusConnection *bus, const std::vector<Message> &calls, const std::vector<int> &limitsMs) {
     std::vector<Message> answers(calls.size());
     if (bus == nullptr) return answers;
     // At most this many calls wait for answers at once, well below the
     // buses' limit on pending replies per connection.
     constexpr std::size_t kInFlight = 4096;
+    using Clock = std::chrono::steady_clock;
     std::vector<PendingCall> pending;
+    std::vector<Clock::time_point> due;
     for (std::size_t first = 0; first < calls.size(); first += kInFlight) {
         const std::size_t end = std::min(calls.size(), first + kInFlight);
         pending.clear();
         pending.resize(end - first);
+        due.assign(end - first, {});
+        const Clock::time_point sent = Clock::now();
         for (std::size_t i = first; i < end; ++i) {
-            PendingCall& call = pending[i - first];
-            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), out(call), kReplyTimeoutMs)) {
-                call.reset();
-            }
+            PendingCall &call = pending[i - first];
+            const int limit = limitsMs.empty() ? replyLimitMs() : limitsMs[i];
+            due[i - first] = sent + std::chrono::milliseconds(limit);
+            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), out(call), limit)) call.reset();
         }
         dbus_connection_flush(bus);
+        // One wait for the whole batch, each call up to its own limit counted
+        // from the send (blocking on each call in turn would add the limits
+        // of the calls that go unanswered).
+        for (;;) {
+            Clock::time_point next = Clock::time_point::max();
+            const Clock::time_point now = Clock::now();
+            for (std::size_t k = 0; k < pending.size(); ++k) {
+                if (pending[k] && !dbus_pending_call_get_completed(pending[k].get()) && due[k] > now) {
+                    next = std::min(next, due[k]);
+                }
+            }
+            if (next == Clock::time_point::max()) break;
+            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next - now).count();
+            if (!dbus_connection_read_write_dispatch(bus, static_cast<int>(wait))) break;  // disconnected
+        }
         for (std::size_t i = first; i < end; ++i) {
-            PendingCall& call = pending[i - first];
+            PendingCall &call = pending[i - first];
             if (!call) continue;
-            dbus_pending_call_block(call.get());
-            answers[i] = Message(dbus_pending_call_steal_reply(call.get()));
+            if (dbus_pending_call_get_completed(call.get())) {
+                answers[i] = Message(dbus_pending_call_steal_reply(call.get()));
+            } else {
+                dbus_pending_call_cancel(call.get());  // a late answer is dropped
+            }
             call.reset();
         }
     }
     return answers;
 }
 
-const char* stringAnswer(const Message& answer) {
-    const char* text = nullptr;
+const char *stringAnswer(const Message &answer) {
+    const char *text = nullptr;
     return firstArgument(answer, DBUS_TYPE_STRING, &text) ? text : nullptr;
 }
 
-bool int32Answer(const Message& answer, dbus_int32_t* value) {
-    return firstArgument(answer, DBUS_TYPE_INT32, value);
-}
+bool int32Answer(const Message &answer, dbus_int32_t *value) { return firstArgument(answer, DBUS_TYPE_INT32, value); }
 
-bool uint32Answer(const Message& answer, dbus_uint32_t* value) {
+bool uint32Answer(const Message &answer, dbus_uint32_t *value) {
     return firstArgument(answer, DBUS_TYPE_UINT32, value);
 }
 
-std::optional<std::vector<Reference>> referencesAnswer(const Message& answer) {
+std::optional<std::vector<Reference>> referencesAnswer(const Message &answer) {
     std::vector<Reference> out;
-    const bool read = eachElement(answer, "a(so)", [&](DBusMessageIter* element) {
+    const bool read = eachElement(answer, "a(so)", [&](DBusMessageIter *element) {
         DBusMessageIter field;
         dbus_message_iter_recurse(element, &field);
-        Reference& reference = out.emplace_back();
+        Reference &reference = out.emplace_back();
         reference.first = basicString(&field);
         dbus_message_iter_next(&field);
         reference.second = basicString(&field);
@@ -121,9 +142,9 @@ std::optional<std::vector<Reference>> referencesAnswer(const Message& answer) {
     return out;
 }
 
-std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer) {
+std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message &answer) {
     std::vector<std::uint32_t> out;
-    const bool read = eachElement(answer, "au", [&](DBusMessageIter* element) {
+    const bool read = eachElement(answer, "au", [&](DBusMessageIter *element) {
         dbus_uint32_t word = 0;
         dbus_message_iter_get_basic(element, &word);
         out.push_back(word);
@@ -132,10 +153,10 @@ std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer) {
     return out;
 }
 
-std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
+std::optional<std::vector<std::string>> stringsAnswer(const Message &answer) {
     std::vector<std::string> out;
     const bool read =
-        eachElement(answer, "as", [&](DBusMessageIter* element) { out.emplace_back(basicString(element)); });
+        eachElement(answer, "as", [&](DBusMessageIter *element) { out.emplace_back(basicString(element)); });
     if (!read) return std::nullopt;
     return out;
 }

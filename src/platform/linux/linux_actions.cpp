@@ -4,23 +4,26 @@
 // wanted state.
 #include <X11/Xlib.h>
 
+#include <chrono>
+
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/x11_session.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
 
 namespace {
 
-constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle"};
+constexpr const char *kPressActions[] = {"click", "press", "activate", "toggle"};
 
-bool isPressName(const std::string& name) {
-    for (const char* press : kPressActions) {
+bool isPressName(const std::string &name) {
+    for (const char *press : kPressActions) {
         if (name == press) return true;
     }
     return false;
 }
 
-std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
+std::vector<std::string> actionNames(AtspiAccessible *object, AXError &code) {
     std::vector<std::string> names;
     const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
     if (!action) {
@@ -37,15 +40,27 @@ std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
     return names;
 }
 
+// What a call that acts gave: kAXErrorCannotComplete when it failed because
+// its reply did not come within the reply limit (see press()).
+AXError outcome(std::chrono::steady_clock::time_point start, bool failed, gboolean done) {
+    if (!failed) return done ? kAXErrorSuccess : kAXErrorFailure;
+    const auto waited = std::chrono::steady_clock::now() - start;
+    return waited >= std::chrono::milliseconds(replyLimitMs()) ? kAXErrorCannotComplete : kAXErrorFailure;
+}
+
 // Runs the element's press-like action. Insensitive elements, and elements
-// without such an action, fail: AT-SPI itself reports success for them.
-AXError press(AtspiAccessible* object) {
-    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorCannotComplete;
+// without such an action, fail: AT-SPI itself reports success for them. A
+// call that gets no reply within the reply limit was delivered and is still
+// running (an action that opens a modal dialog answers when it closes): it
+// gives kAXErrorCannotComplete, as on macOS, which callers count as done;
+// every other failure gives kAXErrorFailure.
+AXError press(AtspiAccessible *object) {
+    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorFailure;
     AXError code = kAXErrorSuccess;
     const std::vector<std::string> names = actionNames(object, code);
-    if (code != kAXErrorSuccess) return code;
+    if (code != kAXErrorSuccess) return kAXErrorFailure;
     int index = -1;
-    for (const char* wanted : kPressActions) {
+    for (const char *wanted : kPressActions) {
         for (std::size_t i = 0; index < 0 && i < names.size(); ++i) {
             if (names[i] == wanted) index = static_cast<int>(i);
         }
@@ -54,33 +69,33 @@ AXError press(AtspiAccessible* object) {
     const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
     if (!action) return kAXErrorActionUnsupported;
     Error error;
+    const auto start = std::chrono::steady_clock::now();
     const gboolean done = atspi_action_do_action(action.get(), index, out(error));
-    if (error) return kAXErrorCannotComplete;
-    return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return outcome(start, error != nullptr, done);
 }
 
 // Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
 // window of the same process whose title is the frame's name, or the only one.
-AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
+AXError closeWindow(LinuxPlatform &p, AtspiAccessible *window) {
     Error error;
     const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, out(error)));
-    if (error) return kAXErrorCannotComplete;
+    if (error) return kAXErrorFailure;
     const std::string title = takeText(atspi_accessible_get_name(window, out(error)));
-    if (error) return kAXErrorCannotComplete;
+    if (error) return kAXErrorFailure;
     const std::vector<Window> windows = p.x11().windowsOf(pid);
     for (Window w : windows) {
-        if (p.x11().titleOf(w) == title) return p.x11().requestClose(w) ? kAXErrorSuccess : kAXErrorCannotComplete;
+        if (p.x11().titleOf(w) == title) return p.x11().requestClose(w) ? kAXErrorSuccess : kAXErrorFailure;
     }
-    if (windows.size() == 1) return p.x11().requestClose(windows.front()) ? kAXErrorSuccess : kAXErrorCannotComplete;
-    return kAXErrorCannotComplete;
+    if (windows.size() == 1) return p.x11().requestClose(windows.front()) ? kAXErrorSuccess : kAXErrorFailure;
+    return kAXErrorFailure;
 }
 
 }  // namespace
 
-AXError LinuxPlatform::performAction(const Element& element, std::string_view action) {
+AXError LinuxPlatform::performAction(const Element &element, std::string_view action) {
     const auto locked = guard();
     touch();
-    Node* n = node(element);
+    Node *n = node(element);
     if (n == nullptr) return kAXErrorIllegalArgument;
     if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
     try {
@@ -94,9 +109,9 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     }
 }
 
-NamesRead LinuxPlatform::copyActionNames(const Element& element) {
+NamesRead LinuxPlatform::copyActionNames(const Element &element) {
     const auto locked = guard();
-    Node* n = node(element);
+    Node *n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
@@ -106,7 +121,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     // Press-like actions are listed under the name the library presses.
     std::vector<std::string> out;
     bool pressListed = false;
-    for (std::string& name : names) {
+    for (std::string &name : names) {
         if (isPressName(name)) {
             if (!pressListed) out.emplace_back("AXPress");
             pressListed = true;
@@ -117,22 +132,22 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     return {kAXErrorSuccess, std::move(out)};
 }
 
-AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_view attribute, const SetValue& value) {
+AXError LinuxPlatform::setAttributeValue(const Element &element, std::string_view attribute, const SetValue &value) {
     const auto locked = guard();
     touch();
-    Node* n = node(element);
+    Node *n = node(element);
     if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
     if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
     const AtspiRole role = roleOf(*n);
-    if (const auto* text = std::get_if<std::string>(&value)) {
+    if (const auto *text = std::get_if<std::string>(&value)) {
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
         const Ref<AtspiEditableText> editable =
             Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()));
         if (!editable) return kAXErrorAttributeUnsupported;
         Error error;
+        const auto start = std::chrono::steady_clock::now();
         const gboolean done = atspi_editable_text_set_text_contents(editable.get(), text->c_str(), out(error));
-        if (error) return kAXErrorCannotComplete;
-        return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+        return outcome(start, error != nullptr, done);
     }
     const std::int64_t wanted = std::get<std::int64_t>(value);
     if (!isToggleRole(role)) return kAXErrorAttributeUnsupported;
@@ -142,9 +157,9 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     return press(n->object.get());
 }
 
-SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
+SettableRead LinuxPlatform::isAttributeSettable(const Element &element, std::string_view attribute) {
     const auto locked = guard();
-    Node* n = node(element);
+    Node *n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, false};
     if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
     const AtspiRole role = roleOf(*n);

@@ -17,24 +17,25 @@
 #include "platform/linux/app_list.h"
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
 
 namespace {
 
 bool sessionBusReachable() {
-    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    const char *address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
     if (address != nullptr && *address != '\0') return true;
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    const char *runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime == nullptr) return false;
-    struct stat st{};
+    struct stat st {};
     return stat((std::string(runtime) + "/bus").c_str(), &st) == 0;
 }
 
 // The command of a desktop entry named `name` (its file name without
 // ".desktop"): the Exec line without field codes.
-std::vector<std::string> desktopEntryCommand(const std::string& name) {
-    for (const char* dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
+std::vector<std::string> desktopEntryCommand(const std::string &name) {
+    for (const char *dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
         std::ifstream file(std::string(dir) + name + ".desktop");
         std::string line;
         while (file && std::getline(file, line)) {
@@ -56,10 +57,10 @@ std::vector<std::string> desktopEntryCommand(const std::string& name) {
 
 // Starts `argv` detached from this process (its own session, stdio on
 // /dev/null, adopted by init). True when the program could be executed.
-bool spawnDetached(const std::vector<std::string>& args) {
+bool spawnDetached(const std::vector<std::string> &args) {
     if (args.empty()) return false;
-    std::vector<char*> argv;
-    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    std::vector<char *> argv;
+    for (const std::string &a : args) argv.push_back(const_cast<char *>(a.c_str()));
     argv.push_back(nullptr);
     const int report = startDetached([&](int reportFd) {
         execvp(argv[0], argv.data());
@@ -74,6 +75,13 @@ bool spawnDetached(const std::vector<std::string>& args) {
     return got == 0;
 }
 
+// The GLib context libatspi dispatches on, made once and kept for the
+// process's life (libatspi keeps using it).
+GMainContext *privateContext() {
+    static GMainContext *const context = g_main_context_new();
+    return context;
+}
+
 // Whether the accessibility registry answers a question.
 bool registryAnswers() {
     const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
@@ -86,11 +94,17 @@ bool registryAnswers() {
 }  // namespace
 
 std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
-    const char* display = std::getenv("DISPLAY");
+    const char *display = std::getenv("DISPLAY");
     if (display == nullptr || *display == '\0' || !sessionBusReachable()) return nullptr;
     std::unique_ptr<X11Session> x11 = X11Session::open();
     if (!x11) return nullptr;
     if (atspi_init() > 1) return nullptr;
+    // Every call into an application waits at most the reply limit, from the
+    // first call on (no longer grace period for an application just seen).
+    atspi_set_timeout(replyLimitMs(), 0);
+    // libatspi's signal handling runs on a context of its own, which only
+    // drainEvents() iterates: never the host's default context.
+    atspi_set_main_context(privateContext());
     if (!registryAnswers()) return nullptr;
     auto platform = std::make_shared<LinuxPlatform>(Key());
     platform->x11_ = std::move(x11);
@@ -110,31 +124,31 @@ Element LinuxPlatform::wrap(AccessibleRef object, Node::Kind kind, std::shared_p
     return handOut<Element>(std::move(n));
 }
 
-const Survey::Item* LinuxPlatform::surveyed(const Node& node) const {
+const Survey::Item *LinuxPlatform::surveyed(const Node &node) const {
     if (!node.survey || node.survey->generation() != generation_) return nullptr;
     return node.survey->find(node.object.get());
 }
 
-const std::shared_ptr<const Survey>& LinuxPlatform::surveyFor(Node& node) {
+const std::shared_ptr<const Survey> &LinuxPlatform::surveyFor(Node &node) {
     if (!node.survey || node.survey->generation() != generation_) {
         node.survey = Survey::take(node.object.get(), generation_);
     }
     return node.survey;
 }
 
-Node* LinuxPlatform::node(const Element& element) const noexcept {
+Node *LinuxPlatform::node(const Element &element) const noexcept {
     if (!element || element.owner() != this) return nullptr;
-    return static_cast<Node*>(element.raw());
+    return static_cast<Node *>(element.raw());
 }
 
 void LinuxPlatform::drainEvents() {
-    for (int i = 0; i < 10000 && g_main_context_iteration(nullptr, FALSE); ++i) {
+    for (int i = 0; i < 10000 && g_main_context_iteration(privateContext(), FALSE); ++i) {
     }
 }
 
 AccessibleRef LinuxPlatform::findApplication(std::int32_t pid) {
     drainEvents();
-    const std::vector<ListedApp> apps = listApplications(false);
+    const std::vector<ListedApp> apps = listApplications(nullptr);
     for (std::size_t i = 0; i < apps.size(); ++i) {
         if (apps[i].pid == pid) return applicationObject(apps[i], i);
     }
@@ -163,18 +177,21 @@ bool LinuxPlatform::isProcessTrusted(bool /*prompt*/) {
     return registryAnswers();
 }
 
-// --- Workspace ------------------------------------------------------------------
+// --- Workspace
+// ------------------------------------------------------------------
 
 std::vector<RunningApp> LinuxPlatform::runningApplications() {
     const auto locked = guard();
     drainEvents();
     std::vector<RunningApp> out;
-    for (ListedApp& app : listApplications(true)) {
+    for (ListedApp &app : listApplications(&appMemory_)) {
         if (app.pid == 0 || !app.name) continue;  // gone meanwhile
         RunningApp r;
         r.pid = app.pid;
         if (!app.name->empty()) r.localizedName = std::move(*app.name);
-        r.activationPolicy = app.childCount > 0 ? 0 : 1;  // no window: a background helper
+        // No window: a background helper. One that never answered counts as
+        // a regular application.
+        r.activationPolicy = app.childCount == 0 ? 1 : 0;
         out.push_back(std::move(r));
     }
     return out;
@@ -184,7 +201,7 @@ std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
     const auto locked = guard();
     const std::optional<std::int32_t> pid = x11_->activeWindowPid();
     if (!pid) return std::nullopt;
-    for (RunningApp& app : runningApplications()) {
+    for (RunningApp &app : runningApplications()) {
         if (app.pid == *pid) return std::move(app);
     }
     // A window of a process that does not take part in accessibility.
@@ -201,7 +218,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
     touch();
     const std::string wanted(name);
     if (wanted.empty()) return false;
-    for (const RunningApp& app : runningApplications()) {
+    for (const RunningApp &app : runningApplications()) {
         if (app.localizedName == wanted) return activateApplication(app, kActivateIgnoringOtherApps);
     }
     std::vector<std::string> command = desktopEntryCommand(wanted);
@@ -209,7 +226,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
     return spawnDetached({wanted});
 }
 
-bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
+bool LinuxPlatform::activateApplication(const RunningApp &app, std::uint64_t /*options*/) {
     const auto locked = guard();
     touch();
     const std::vector<Window> windows = x11_->windowsOf(app.pid);
@@ -217,7 +234,8 @@ bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*o
     return x11_->activate(windows.back());
 }
 
-// --- Pasteboard: the CLIPBOARD selection -------------------------------------------
+// --- Pasteboard: the CLIPBOARD selection
+// -------------------------------------------
 
 std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
     const auto locked = guard();
@@ -241,11 +259,11 @@ bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view 
     return x11_->own({{std::string(type), std::string(text)}});
 }
 
-bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {
+bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem> &items) {
     const auto locked = guard();
     std::vector<std::pair<std::string, std::string>> pairs;
-    for (const PasteboardItem& item : items) {
-        for (const auto& [type, data] : item.entries) {
+    for (const PasteboardItem &item : items) {
+        for (const auto &[type, data] : item.entries) {
             if (data) pairs.emplace_back(type, std::string(data->begin(), data->end()));
         }
     }
@@ -253,7 +271,8 @@ bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& item
     return x11_->handToHolder(std::move(pairs));
 }
 
-// --- Sleeping, clock, log, handles --------------------------------------------------
+// --- Sleeping, clock, log, handles
+// --------------------------------------------------
 
 void LinuxPlatform::sleep(double seconds) {
     if (!(seconds > 0) || seconds > 1e6) return;
@@ -277,31 +296,31 @@ void LinuxPlatform::log(std::string_view line) {
     const auto locked = guard();
     const std::string text(line);
     syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
-    if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
+    if (const char *echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
         fprintf(stderr, "%s\n", text.c_str());
     }
 }
 
-void LinuxPlatform::retainHandle(HandleKind kind, void* raw) noexcept {
+void LinuxPlatform::retainHandle(HandleKind kind, void *raw) noexcept {
     if (raw == nullptr) return;
     if (kind == HandleKind::element) {
-        static_cast<Node*>(raw)->refs.fetch_add(1);
+        static_cast<Node *>(raw)->refs.fetch_add(1);
     } else {
-        static_cast<KeyEvent*>(raw)->refs.fetch_add(1);
+        static_cast<KeyEvent *>(raw)->refs.fetch_add(1);
     }
 }
 
-void LinuxPlatform::releaseHandle(HandleKind kind, void* raw) noexcept {
+void LinuxPlatform::releaseHandle(HandleKind kind, void *raw) noexcept {
     if (raw == nullptr) return;
     // The last release deletes the payload through its owning type.
     if (kind == HandleKind::element) {
-        auto* n = static_cast<Node*>(raw);
+        auto *n = static_cast<Node *>(raw);
         if (n->refs.fetch_sub(1) == 1) {
             const auto locked = guard();  // the last reference goes back to libatspi
             const std::unique_ptr<Node> last(n);
         }
     } else {
-        auto* e = static_cast<KeyEvent*>(raw);
+        auto *e = static_cast<KeyEvent *>(raw);
         if (e->refs.fetch_sub(1) == 1) const std::unique_ptr<KeyEvent> last(e);
     }
 }

@@ -6,6 +6,7 @@
 // itself does for an illegal argument.
 
 #include "platform/macos/mac_platform.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::macos {
 
@@ -25,6 +26,12 @@ ScopedCF<CFTypeRef> makeSetValue(const SetValue& value) {
 
 }  // namespace
 
+void limitReplies(AXUIElementRef element) noexcept {
+    if (element != nullptr) {
+        (void)AXUIElementSetMessagingTimeout(element, static_cast<float>(replyLimitMs()) / 1000.0f);
+    }
+}
+
 AXUIElementRef MacPlatform::axElement(const Element& element) const noexcept {
     if (!element || element.owner() != this) return nullptr;
     return static_cast<AXUIElementRef>(element.raw());
@@ -34,6 +41,7 @@ Element MacPlatform::createApplicationElement(std::int32_t pid) {
     return guarded(Element(), [&] {
         ScopedCF<AXUIElementRef> app = ScopedCF<AXUIElementRef>::adopt(
             AXUIElementCreateApplication(static_cast<pid_t>(pid)));
+        limitReplies(app.get());
         return Element::adopt(this, rawHandle(app.release()));
     });
 }
@@ -42,6 +50,7 @@ Element MacPlatform::createSystemWideElement() {
     return guarded(Element(), [&] {
         ScopedCF<AXUIElementRef> systemWide =
             ScopedCF<AXUIElementRef>::adopt(AXUIElementCreateSystemWide());
+        limitReplies(systemWide.get());
         return Element::adopt(this, rawHandle(systemWide.release()));
     });
 }

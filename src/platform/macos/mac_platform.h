@@ -13,7 +13,9 @@
 // nothing is thrown across the platform interface.
 //
 // Each accessibility call is a message to another process and can block until
-// that process answers or the system's timeout runs out.
+// that process answers or its messaging timeout runs out: every element the
+// backend creates or hands up carries the reply limit (reply_limit.h) as its
+// own timeout (see limitReplies).
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -122,6 +124,13 @@ std::string utf8FromCFString(CFStringRef string);
 // The description Core Foundation gives of any object, for values of a kind
 // the library never reads.
 std::string describeCF(CFTypeRef object);
+
+// Gives `element` the reply limit as its messaging timeout: a call to it that
+// gets no answer in that time fails with kAXErrorCannotComplete. Elements do
+// not inherit it: each one read from an attribute is given it here. On the
+// system-wide element the timeout is the process's default for elements that
+// have none of their own (the host's included).
+void limitReplies(AXUIElementRef element) noexcept;
 
 // An attribute value as the library sees it, told apart by Core Foundation
 // type ids. Elements found in it are retained for the handles made here.

@@ -49,6 +49,7 @@ Element retainElement(CFTypeRef entry, Platform* owner) {
     // The entry is borrowed from its container: the handle gets a reference
     // of its own.
     ScopedCF<CFTypeRef> held = ScopedCF<CFTypeRef>::retain(entry);
+    limitReplies(static_cast<AXUIElementRef>(held.get()));
     return Element::adopt(owner, rawHandle(held.release()));
 }
 

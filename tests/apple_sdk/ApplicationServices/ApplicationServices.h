@@ -57,6 +57,7 @@ extern AXError AXUIElementCopyActionNames(AXUIElementRef element,
 extern AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
 extern AXUIElementRef AXUIElementCreateApplication(pid_t pid);
 extern AXUIElementRef AXUIElementCreateSystemWide(void);
+extern AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
 
 // --- CoreGraphics: CGRemoteOperation.h ---------------------------------------------------
 typedef uint16_t CGKeyCode;
