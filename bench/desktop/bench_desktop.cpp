@@ -2,18 +2,20 @@
 // (scripts/bench-desktop.sh): the menu snapshot of l3afpad and the text of
 // gtk3-widget-factory's window through the C exports, then the same two walks
 // done with pyatspi in the same session, and the ratio of the medians; last,
-// the cost of finding an application among many.
+// the cost of finding an application among many, and beside one that has
+// stopped answering.
 #include <benchmark/benchmark.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "zeblo/zeblo.h"
 
@@ -92,7 +94,37 @@ void BM_LookupAmongApps(benchmark::State& state) {
 }
 BENCHMARK(BM_LookupAmongApps)->Arg(0)->Arg(8)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-// Prints as the console does and keeps the medians (or single runs) by name.
+// The process of kTextApp (its short name in /proc is cut to 15 bytes).
+pid_t textAppPid() {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream comm(entry.path() / "comm");
+        std::string name;
+        if (std::getline(comm, name) && name == std::string(kTextApp).substr(0, 15)) {
+            return static_cast<pid_t>(std::stoi(entry.path().filename().string()));
+        }
+    }
+    return 0;
+}
+
+// The lookup beside kTextApp answering (range(0) 0) or stopped (1: SIGSTOP,
+// so that it answers nothing): the stopped one must cost next to nothing.
+void BM_LookupBesideStoppedApp(benchmark::State& state) {
+    const pid_t other = textAppPid();
+    if (other == 0) {
+        state.SkipWithError("no process for the other application");
+        return;
+    }
+    const bool stopped = state.range(0) == 1;
+    if (stopped) kill(other, SIGSTOP);
+    for (auto _ : state) {
+        if (!zeblo_window_exists(kMenuApp, nullptr)) state.SkipWithError("no window");
+    }
+    if (stopped) kill(other, SIGCONT);
+}
+BENCHMARK(BM_LookupBesideStoppedApp)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Prints as the console does and keeps the medians (or single runs) by name
+// ("BM_Name/arg" for a run with an argument).
 class MedianReporter : public benchmark::ConsoleReporter {
 public:
     // Colours only on a terminal.
@@ -104,8 +136,10 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
             const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-            if (median || (run.run_type == Run::RT_Iteration && !medianMs.count(run.run_name.function_name))) {
-                medianMs[run.run_name.function_name] = run.GetAdjustedRealTime();
+            const std::string& args = run.run_name.args;
+            const std::string name = run.run_name.function_name + (args.empty() ? "" : "/" + args);
+            if (median || (run.run_type == Run::RT_Iteration && !medianMs.count(name))) {
+                medianMs[name] = run.GetAdjustedRealTime();
             }
         }
     }
@@ -158,5 +192,7 @@ int main(int argc, char** argv) {
     }
     std::printf("(menus of %s; text of %s's window, %d elements)\n", kMenuApp, kTextApp,
                 python.value("text_elements", 0));
+    std::printf("lookup beside a stopped application: %+.2f ms (median, against a healthy one)\n",
+                reporter.medianMs["BM_LookupBesideStoppedApp/1"] - reporter.medianMs["BM_LookupBesideStoppedApp/0"]);
     return 0;
 }
