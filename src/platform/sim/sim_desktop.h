@@ -159,6 +159,7 @@ public:
                                         const platform::SetValue& value) override;
     platform::SettableRead isAttributeSettable(const platform::Element& element,
                                                std::string_view attribute) override;
+    bool sameElement(const platform::Element& a, const platform::Element& b) override;
     platform::AXError performAction(const platform::Element& element, std::string_view action) override;
     platform::NamesRead copyActionNames(const platform::Element& element) override;
     bool isProcessTrusted(bool prompt) override;

@@ -176,6 +176,12 @@ platform::SettableRead SimDesktop::isAttributeSettable(const platform::Element& 
     return {platform::kAXErrorSuccess, n->settable.count(attribute) != 0};
 }
 
+bool SimDesktop::sameElement(const platform::Element& a, const platform::Element& b) {
+    // Nodes live as long as the desktop, so comparing them needs no lock.
+    const Node* n = nodeOf(this, a);
+    return n != nullptr && n == nodeOf(this, b);
+}
+
 AXError SimDesktop::performAction(const platform::Element& element, std::string_view action) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);
