@@ -64,6 +64,7 @@ public:
     platform::SettableRead isAttributeSettable(const Element& e, std::string_view a) override {
         return ++calls, sim_->isAttributeSettable(e, a);
     }
+    bool sameElement(const Element& a, const Element& b) override { return ++calls, sim_->sameElement(a, b); }
     AXError performAction(const Element& e, std::string_view a) override { return ++calls, sim_->performAction(e, a); }
     platform::NamesRead copyActionNames(const Element& e) override { return ++calls, sim_->copyActionNames(e); }
     bool isProcessTrusted(bool prompt) override { return ++calls, sim_->isProcessTrusted(prompt); }

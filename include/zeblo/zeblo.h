@@ -114,11 +114,17 @@
 ** failure (an error object, false or an empty list, with its log line) after
 ** about one limit per step the function takes, and a wait still ends by its
 ** own timeout plus at most one limit.  An action (a press, a pick, a
-** checkbox toggle) that runs out was delivered and is still running (an
-** action that opens a modal dialog answers only when the dialog closes): it
-** counts as performed, and no second action is sent in its place.  Calls
+** checkbox toggle) or a written value that runs out was delivered and is
+** still running (an action that opens a modal dialog answers only when the
+** dialog closes): it counts as performed, and no second action is sent in
+** its place.  Calls
 ** about other applications do not wait on one that has stopped answering:
 ** it stays in the list of running applications (see PLATFORMS).
+**
+** Element trees that loop.  A faulty application may list an element among
+** the children of its own descendant.  Every walk over an application's
+** elements leaves out a child that is the same element as one it is already
+** inside, so no walk goes round forever.
 **
 ** Permission.  On macOS the host process needs the accessibility permission
 ** (System Settings > Privacy & Security > Accessibility) for everything that
@@ -403,9 +409,12 @@ extern "C" {
 ** The members come in that order.  NAME is appName as given, or the
 ** frontmost application's name ("Unknown" when it has none).  Below a single
 ** untitled container item its items are listed directly.  The whole tree is
-** read, however deep.  A menu bar that gives no item list at all gives the
-** one-line text {"app": "NAME", "menus": []}; an empty item list gives the
-** pretty layout.
+** read, however deep; an item that is the same element as one of its
+** ancestors or the menu bar (a submenu that leads back up, see CONVENTIONS)
+** is left out, so the snapshot is that of the tree without the looping
+** entry.  A menu bar that gives no item list at all gives the one-line text
+** {"app": "NAME", "menus": []}; an empty item list gives the pretty
+** layout.
 **
 ** On failure: an error object with MenuError 2, 0 or 3.  Fallback "{}".
 ** Writes no failure line.  Diagnostic lines: for every item, one line
@@ -427,9 +436,12 @@ ZEBLO_API const char *zeblo_get_app_menus(const char *appName);
 ** menuPathCount  number of entries in menuPath.
 **
 ** Performs "AXPress" on the item, or "AXPick" when the press is refused.
-** Returns true when the item accepted one of them.  On failure returns false
-** and logs "zeblo_menu_click error: " and the description of MenuError 4,
-** 2, 0, 3, 1 or 5.  Before a 5, when the item's actions can be read, it logs
+** Returns true when the item accepted one of them.  A press or pick that
+** gets no reply (kAXErrorCannotComplete: an item that opens a modal dialog
+** holds its reply) counts as accepted, and nothing follows it.  On failure
+** returns false and logs "zeblo_menu_click error: " and the description of
+** MenuError 4, 2, 0, 3, 1 or 5.  Before a 5, when the item's actions can be
+** read, it logs
 **     Menu item execute failed. Available actions (N):
 ** and one line per action: two blanks and the action's name.
 ** Linux: a disabled item refuses (5); the action runs asynchronously.
@@ -614,7 +626,8 @@ ZEBLO_API bool zeblo_paste_text(const char *text);
 **   setAXValue: Skipping role 'ROLE' - not a text field
 **   setAXValue: Found text field with role 'ROLE'
 **   setAXValue: AXValue is not settable for role: ROLE
-**   setAXValue: Successfully set AXValue for role: ROLE
+**   setAXValue: Successfully set AXValue for role: ROLE   (also when the
+**                            write got no reply: kAXErrorCannotComplete)
 **   setAXValue: Failed with error code N for role: ROLE
 **
 ** Returns true when an element took the value.  On failure returns false and
@@ -653,9 +666,11 @@ ZEBLO_API bool zeblo_paste_into_focused_field(const char *text, bool sendEnter);
 ** Controls.  A control is the first element, in pre-order (document order),
 ** of the wanted role whose title matches the given name loosely, searched in
 ** the window itself and its descendants down to 49 levels below it.  A
-** child list longer than 9,999 elements is not entered, and an attribute
-** that cannot be read counts as absent.  Walks that collect (button titles,
-** text lines) visit no further element once 1,000 results are collected.
+** child list longer than 9,999 elements is not entered, a child that is the
+** same element as one the walk is inside is left out, and an attribute that
+** cannot be read counts as absent (a read without a reply included).  Walks
+** that collect (button titles, text lines) visit no further element once
+** 1,000 results are collected.
 **
 ** WINDOW LOOKUP LOG LINES.  Every function that looks a window up writes
 ** these diagnostic lines for each lookup, once the application is found, in
@@ -703,7 +718,9 @@ ZEBLO_API bool zeblo_paste_into_focused_field(const char *text, bool sendEnter);
 **             loosely.
 **
 ** Performs "AXPress" on the button, or "AXPick" when the press is refused.
-** Returns true when the button accepted one of them.  On failure returns
+** Returns true when the button accepted one of them; a press or pick without
+** a reply (kAXErrorCannotComplete: a button that opens a modal dialog holds
+** its reply) counts as accepted, and nothing follows it.  On failure returns
 ** false and logs "zeblo_click_button error: " and one of the window errors
 ** "No frontmost application", "Application 'NAME' not found. ...", "Window
 ** 'NAME' not found. ...", "Button 'NAME' not found in window", or "Failed to
@@ -724,7 +741,8 @@ ZEBLO_API bool zeblo_click_button(const char *appName, const char *windowName,
 **
 ** Performs "AXPress" on the checkbox (there is no "AXPick" fallback); what
 ** the press does to its state is the application's business.
-** Returns true when the checkbox accepted the press.  On failure returns
+** Returns true when the checkbox accepted the press, or gave no reply to it
+** (kAXErrorCannotComplete: delivered, not pressed again).  On failure returns
 ** false and logs "zeblo_click_checkbox error: " and one of the application
 ** and window lookup errors, "Checkbox 'NAME' not found in window", or
 ** "Failed to perform click action".  Also writes the window lookup log
@@ -787,10 +805,11 @@ ZEBLO_API const char *zeblo_get_window_buttons(const char *appName, const char *
 ** value         written into the checkbox's "AXValue" as a number, as it
 **               stands (0, 1, 2...), even when the checkbox holds it already.
 **
-** Returns true when the checkbox accepted the value.  On failure returns
-** false and logs "zeblo_set_checkbox_value error: " and one of the
-** application and window lookup errors, "Checkbox 'NAME' not found in
-** window", or "Failed to perform click action" (the value was refused).
+** Returns true when the checkbox accepted the value, or gave no reply to the
+** write (kAXErrorCannotComplete: delivered).  On failure returns false and
+** logs "zeblo_set_checkbox_value error: " and one of the application and
+** window lookup errors, "Checkbox 'NAME' not found in window", or "Failed to
+** perform click action" (the value was refused).
 ** Also writes the window lookup log lines.
 ** Linux: only 0 and 1; the checkbox is pressed when its state differs
 ** (PLATFORMS, zeblo_set_checkbox_value).
@@ -974,7 +993,9 @@ ZEBLO_API const char *zeblo_get_window_titles(const char *appName);
 ** windowName  optional; see WINDOWS AND CONTROLS.
 ** condition   0: the window exists (as zeblo_window_exists);
 **             1: it does not: the window or its application is gone (or
-**                was never there; any lookup failure counts);
+**                was never there; any lookup failure counts, except one
+**                where the application gave no reply to reading its
+**                windows or a window's title: kAXErrorCannotComplete);
 **             2: the window is in front: the frontmost application's name
 **                matches appName loosely (or appName is NULL / "") and the
 **                title of its focused window matches windowName loosely (or
@@ -1000,15 +1021,18 @@ ZEBLO_API bool zeblo_wait_for_window(const char *appName, const char *windowName
 **
 ** An attempt looks the window up, reads its close button ("AXCloseButton")
 ** and performs "AXPress" on it; whether the window then goes is not checked.
-** With one attempt: returns true when the press was accepted; on failure
-** returns false and logs "zeblo_close_window error: " and an application or
-** window lookup error, or "Failed to close window" (no close button, or the
-** press refused).
+** With one attempt: returns true when the press was accepted or got no
+** reply (kAXErrorCannotComplete: delivered, the window may be asking a
+** question); on failure returns false and logs "zeblo_close_window error: "
+** and an application or window lookup error, or "Failed to close window"
+** (no close button, or the press refused).
 ** With a retry timeout: each round first looks the window up and returns
 ** true when that fails (the window or its application is gone, and equally
 ** when it never existed, e.g. a misspelled name); otherwise it makes one
 ** attempt (a failed attempt is tried again in the next round) and pauses
-** 0.1 s.  When the time is out the window is looked up once more: true when
+** 0.1 s.  A lookup where the application gave no reply (as for
+** zeblo_wait_for_window) is neither success nor an attempt: the round only
+** pauses.  When the time is out the window is looked up once more: true when
 ** it is gone, else false with the line "zeblo_close_window error: Operation
 ** timed out".
 ** Writes the window lookup log lines (twice per round).

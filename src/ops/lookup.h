@@ -48,4 +48,14 @@ struct FocusedElement {
 };
 FocusedElement focusedElement();
 
+// Whether an action or a written value reached the application: it answered
+// success, or it gave no answer within the platform's reply limit
+// (kAXErrorCannotComplete). An action without an answer has been delivered
+// and is running: a button whose press opens a modal dialog holds its reply
+// until the dialog closes. It counts as performed and is neither sent again
+// nor followed by another action.
+inline bool performed(platform::AXError code) {
+    return code == platform::kAXErrorSuccess || code == platform::kAXErrorCannotComplete;
+}
+
 }  // namespace zeblo::lookup

@@ -210,6 +210,11 @@ public:
     virtual AXError setAttributeValue(const Element& element, std::string_view attribute,
                                       const SetValue& value) = 0;
     virtual SettableRead isAttributeSettable(const Element& element, std::string_view attribute) = 0;
+    // Whether two handles refer to the same element of the other application,
+    // however they were reached (two reads of one child give two handles).
+    // Walks use it to notice a child that leads back to an element they are
+    // already inside. False when either handle is null or not this backend's.
+    virtual bool sameElement(const Element& a, const Element& b) = 0;
 
     // Accessibility actions and trust.
     virtual AXError performAction(const Element& element, std::string_view action) = 0;

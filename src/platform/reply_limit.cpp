@@ -5,9 +5,9 @@
 
 namespace zeblo::platform {
 
-int parseReplyLimit(const char *text) {
+int parseReplyLimit(const char* text) {
     if (text == nullptr || *text < '0' || *text > '9') return kDefaultReplyLimitMs;
-    char *end = nullptr;
+    char* end = nullptr;
     errno = 0;
     const long value = std::strtol(text, &end, 10);
     if (errno != 0 || *end != '\0' || value < kMinReplyLimitMs || value > kMaxReplyLimitMs) {

@@ -14,6 +14,6 @@ int replyLimitMs();
 
 // The limit that `text` asks for, or kDefaultReplyLimitMs when it is null,
 // not a whole number or out of range.
-int parseReplyLimit(const char *text);
+int parseReplyLimit(const char* text);
 
 }  // namespace zeblo::platform

@@ -55,7 +55,7 @@ constexpr std::string_view kWindows = R"(
       "AXChildren": [
         { "attrs": { "AXRole": "AXStaticText", "AXValue": "Saved %s \\n" } },
         { "attrs": { "AXRole": "AXButton", "AXTitle": "OK" }, "actions": { "AXPress": 0 } },
-        { "attrs": { "AXRole": "AXButton", "AXTitle": "Cancel" }, "actions": { "AXPress": -25204, "AXPick": 0 } },
+        { "attrs": { "AXRole": "AXButton", "AXTitle": "Cancel" }, "actions": { "AXPress": -25206, "AXPick": 0 } },
         { "attrs": { "AXRole": "AXCheckBox", "AXTitle": "Bold", "AXValue": 1 },
           "actions": { "AXPress": 0 }, "settable": ["AXValue"] },
         { "attrs": { "AXRole": "AXPopUpButton", "AXTitle": "Size",

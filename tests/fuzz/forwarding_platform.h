@@ -32,6 +32,9 @@ public:
     platform::SettableRead isAttributeSettable(const platform::Element& e, std::string_view a) override {
         return target_->isAttributeSettable(e, a);
     }
+    bool sameElement(const platform::Element& a, const platform::Element& b) override {
+        return target_->sameElement(a, b);
+    }
     platform::AXError performAction(const platform::Element& e, std::string_view a) override {
         return target_->performAction(e, a);
     }

@@ -17,7 +17,7 @@ constexpr uint32_t kShift = 1, kCommand = 1 << 3;
 
 class L3afpad : public DesktopTest {
 protected:
-    static constexpr const char *kApp = "l3afpad";
+    static constexpr const char* kApp = "l3afpad";
 
     static void SetUpTestSuite() {
         if (!desktopAvailable()) return;
@@ -40,10 +40,10 @@ TEST_F(L3afpad, MenusAreReadAndChosen) {
     ASSERT_TRUE(snapshot.is_object());
     ASSERT_GE(snapshot["menus"].size(), 4u);
     EXPECT_EQ(snapshot["menus"][0]["title"], "File");
-    const char *selectAll[] = {"Edit", "Select All"};
+    const char* selectAll[] = {"Edit", "Select All"};
     EXPECT_TRUE(zeblo_menu_item_exists(kApp, selectAll, 2));
     EXPECT_TRUE(zeblo_menu_item_enabled(kApp, selectAll, 2));
-    const char *missing[] = {"Edit", "Frobnicate"};
+    const char* missing[] = {"Edit", "Frobnicate"};
     EXPECT_FALSE(zeblo_menu_item_exists(kApp, missing, 2));
 }
 
@@ -77,7 +77,7 @@ TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
 
 class WidgetFactory : public DesktopTest {
 protected:
-    static constexpr const char *kApp = "gtk3-widget-factory";
+    static constexpr const char* kApp = "gtk3-widget-factory";
 
     static void SetUpTestSuite() {
         if (!desktopAvailable()) return;
@@ -113,9 +113,9 @@ TEST_F(WidgetFactory, ButtonsCheckboxesAndWindowText) {
 }
 
 // The process ids of the programs named `program`.
-std::vector<pid_t> pidsOf(const std::string &program) {
+std::vector<pid_t> pidsOf(const std::string& program) {
     std::vector<pid_t> pids;
-    for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         std::ifstream comm(entry.path() / "comm");
         std::string name;
         if (std::getline(comm, name) && name.size() >= std::min<std::size_t>(program.size(), 15) &&

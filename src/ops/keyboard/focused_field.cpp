@@ -38,7 +38,7 @@ bool Keystroke::setAXValue(const platform::Element& element, const std::string& 
         return false;
     }
     const platform::AXError result = p.setAttributeValue(element, "AXValue", platform::SetValue(value));
-    if (result == platform::kAXErrorSuccess) {
+    if (lookup::performed(result)) {
         p.log("setAXValue: Successfully set AXValue for role: " + role.value);
         return true;
     }

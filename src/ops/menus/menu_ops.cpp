@@ -123,8 +123,8 @@ Element MenuOps::navigateToMenuItem(const std::string& appName, const std::vecto
 
 void MenuOps::executeMenuItem(const Element& element) {
     Platform& p = platform::current();
-    if (p.performAction(element, "AXPress") == platform::kAXErrorSuccess) return;
-    if (p.performAction(element, "AXPick") == platform::kAXErrorSuccess) return;
+    if (lookup::performed(p.performAction(element, "AXPress"))) return;
+    if (lookup::performed(p.performAction(element, "AXPick"))) return;
     const platform::NamesRead actions = p.copyActionNames(element);
     if (actions.code == platform::kAXErrorSuccess && actions.names) {
         p.log("Menu item execute failed. Available actions (" + std::to_string(actions.names->size()) + "):");

@@ -2,6 +2,7 @@
 // window's buttons.
 #include "core/json_writer.h"
 #include "core/unicode.h"
+#include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
 
 namespace zeblo {
@@ -13,9 +14,9 @@ void WindowOps::clickButton(const std::string& appName, const std::string& windo
     const Element button = findControl(appName, windowName, "AXButton", buttonName, &WindowError::buttonNotFound);
 
     platform::Platform& p = platform::current();
-    if (p.performAction(button, "AXPress") == platform::kAXErrorSuccess) return;
+    if (lookup::performed(p.performAction(button, "AXPress"))) return;
     // Some buttons only answer to being picked.
-    if (p.performAction(button, "AXPick") == platform::kAXErrorSuccess) return;
+    if (lookup::performed(p.performAction(button, "AXPick"))) return;
     throw WindowError::clickFailed();
 }
 
@@ -23,8 +24,7 @@ void WindowOps::clickCheckbox(const std::string& appName, const std::string& win
                               const std::string& checkboxName) {
     const Element checkbox =
         findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
-    if (platform::current().performAction(checkbox, "AXPress") != platform::kAXErrorSuccess)
-        throw WindowError::clickFailed();
+    if (!lookup::performed(platform::current().performAction(checkbox, "AXPress"))) throw WindowError::clickFailed();
 }
 
 void WindowOps::setCheckboxValue(const std::string& appName, const std::string& windowName,
@@ -33,7 +33,7 @@ void WindowOps::setCheckboxValue(const std::string& appName, const std::string& 
         findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
     // Written as it stands, even when the checkbox already holds it.
     const platform::SetValue number = static_cast<std::int64_t>(value);
-    if (platform::current().setAttributeValue(checkbox, "AXValue", number) != platform::kAXErrorSuccess)
+    if (!lookup::performed(platform::current().setAttributeValue(checkbox, "AXValue", number)))
         throw WindowError::clickFailed();
 }
 

@@ -28,6 +28,7 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
     if (windows.status == platform::ReadStatus::failed) {
         // The error value is written as its numeric code.
         p.log("getWindow: Failed to get windows attribute, result = " + std::to_string(windows.code));
+        if (windows.code == platform::kAXErrorCannotComplete) throw WindowError::windowUnanswered(fallbackName);
         throw WindowError::windowNotFound(fallbackName);
     }
     // A value that is not a list of elements counts as no list at all.
@@ -47,12 +48,14 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
 
     if (!windowName.empty()) {
         p.log("getWindow: Searching for window named '" + windowName + "'");
+        bool unanswered = false;  // a title that did not come may be the one
         for (std::size_t i = 0; i < list.size(); ++i) {
             if (!list[i]) {
                 p.log("getWindow: Window " + std::to_string(i) + " pointer is nil, skipping");
                 continue;
             }
             auto title = platform::asString(p.copyAttributeValue(list[i], "AXTitle"));
+            unanswered = unanswered || title.code == platform::kAXErrorCannotComplete;
             if (!title.ok()) continue;
             if (lookup::softMatch(title.value, windowName)) {
                 p.log("getWindow: Found matching window '" + title.value + "'");
@@ -60,6 +63,7 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
             }
         }
         p.log("getWindow: No matching window found for '" + windowName + "'");
+        if (unanswered) throw WindowError::windowUnanswered(windowName);
         throw WindowError::windowNotFound(windowName);
     }
 
@@ -84,12 +88,12 @@ Element WindowOps::findControl(const std::string& appName, const std::string& wi
     return control;
 }
 
-bool WindowOps::lookupSucceeds(const std::string& appName, const std::string& windowName) {
+WindowOps::Presence WindowOps::presence(const std::string& appName, const std::string& windowName) {
     try {
         (void)findWindow(appName, windowName);
-        return true;
-    } catch (const WindowError&) {
-        return false;
+        return Presence::found;
+    } catch (const WindowError& e) {
+        return e.unanswered() ? Presence::unknown : Presence::gone;
     }
 }
 

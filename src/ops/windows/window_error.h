@@ -25,6 +25,13 @@ public:
 
     static WindowError appNotFound(std::string name) { return {Case::appNotFound, std::move(name)}; }
     static WindowError windowNotFound(std::string name) { return {Case::windowNotFound, std::move(name)}; }
+    // A window not found because the application did not answer (a read timed
+    // out): the same error to the host, but the window may well be there.
+    static WindowError windowUnanswered(std::string name) {
+        WindowError e(Case::windowNotFound, std::move(name));
+        e.unanswered_ = true;
+        return e;
+    }
     static WindowError buttonNotFound(std::string name) { return {Case::buttonNotFound, std::move(name)}; }
     static WindowError checkboxNotFound(std::string name) { return {Case::checkboxNotFound, std::move(name)}; }
     static WindowError noFrontmostApp() { return WindowError(Case::noFrontmostApp); }
@@ -35,6 +42,8 @@ public:
     Case kind() const noexcept { return case_; }
     // The name that was looked for; empty for the cases without one.
     const std::string& name() const noexcept { return name_; }
+    // Whether the application left a read of the lookup unanswered.
+    bool unanswered() const noexcept { return unanswered_; }
 
     std::string description() const override;
     std::string debugText() const override;
@@ -46,6 +55,7 @@ private:
     WindowError(Case c, std::string name = {}) : case_(c), name_(std::move(name)) {}
     Case case_;
     std::string name_;
+    bool unanswered_ = false;
 };
 
 }  // namespace zeblo

@@ -96,8 +96,11 @@ private:
                                          WindowError (*missing)(std::string));
     // One close attempt: look up, read the close button, press it.
     static void closeOnce(const std::string& appName, const std::string& windowName);
-    // Whether the application and the window are both found now.
-    static bool lookupSucceeds(const std::string& appName, const std::string& windowName);
+    // Whether the application and the window are both found now; `unknown`
+    // when the application left a read of the lookup unanswered, so that
+    // neither "there" nor "gone" can be told.
+    enum class Presence { found, gone, unknown };
+    static Presence presence(const std::string& appName, const std::string& windowName);
     static bool windowInFront(const std::string& appName, const std::string& windowName);
 };
 

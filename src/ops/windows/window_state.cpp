@@ -35,7 +35,7 @@ std::vector<std::string> WindowOps::getWindowTitles(const std::string& appName) 
 }
 
 bool WindowOps::windowExists(const std::string& appName, const std::string& windowName) {
-    return lookupSucceeds(appName, windowName);
+    return presence(appName, windowName) == Presence::found;
 }
 
 bool WindowOps::windowInFront(const std::string& appName, const std::string& windowName) {
@@ -56,8 +56,9 @@ bool WindowOps::waitForWindow(const std::string& appName, const std::string& win
     for (;;) {
         bool holds = false;
         switch (condition) {
-            case 0: holds = lookupSucceeds(appName, windowName); break;
-            case 1: holds = !lookupSucceeds(appName, windowName); break;
+            case 0: holds = presence(appName, windowName) == Presence::found; break;
+            // An application that does not answer has not shown the window gone.
+            case 1: holds = presence(appName, windowName) == Presence::gone; break;
             default: holds = windowInFront(appName, windowName); break;
         }
         if (holds) return true;
@@ -74,7 +75,7 @@ void WindowOps::closeOnce(const std::string& appName, const std::string& windowN
     auto button = platform::asElement(p.copyAttributeValue(window, "AXCloseButton"));
     if (!button.ok()) throw WindowError::closeFailed();
     // Whether the window really went is not checked here.
-    if (p.performAction(button.value, "AXPress") != platform::kAXErrorSuccess) throw WindowError::closeFailed();
+    if (!lookup::performed(p.performAction(button.value, "AXPress"))) throw WindowError::closeFailed();
 }
 
 void WindowOps::closeWindow(const std::string& appName, const std::string& windowName,
@@ -87,16 +88,20 @@ void WindowOps::closeWindow(const std::string& appName, const std::string& windo
     platform::Platform& p = platform::current();
     const platform::Deadline deadline(*retryTimeout);
     while (!deadline.passed()) {
-        // The application going away takes the window with it: success.
-        if (!lookupSucceeds(appName, windowName)) return;
-        try {
-            closeOnce(appName, windowName);
-        } catch (const WindowError&) {
-            // A refused attempt is tried again on the next poll.
+        // The application going away takes the window with it: success. One
+        // that does not answer is neither pressed nor taken for closed.
+        const Presence now = presence(appName, windowName);
+        if (now == Presence::gone) return;
+        if (now == Presence::found) {
+            try {
+                closeOnce(appName, windowName);
+            } catch (const WindowError&) {
+                // A refused attempt is tried again on the next poll.
+            }
         }
         p.sleep(kCloseRetryInterval);
     }
-    if (!lookupSucceeds(appName, windowName)) return;
+    if (presence(appName, windowName) == Presence::gone) return;
     throw WindowError::timeout();
 }
 

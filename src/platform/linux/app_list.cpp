@@ -13,7 +13,7 @@ namespace zeblo::platform::linux_desktop {
 
 namespace {
 
-constexpr const char *kAccessible = "org.a11y.atspi.Accessible";
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
 // The program name of process `pid`: the file name of its command's first
 // word, else its short name ("" when unknown).
@@ -30,44 +30,44 @@ std::string programName(std::int32_t pid) {
 
 }  // namespace
 
-int AppMemory::waitFor(const std::string &busName) const {
+int AppMemory::waitFor(const std::string& busName) const {
     const auto found = entries_.find(busName);
     const bool silent = found != entries_.end() && found->second.silent;
     return std::min(replyLimitMs(), silent ? kSilentWaitMs : kListWaitMs);
 }
 
-const AppMemory::Entry &AppMemory::answered(const std::string &busName, std::string name, std::int32_t childCount) {
-    Entry &entry = entries_[busName];
+const AppMemory::Entry& AppMemory::answered(const std::string& busName, std::string name, std::int32_t childCount) {
+    Entry& entry = entries_[busName];
     entry.name = std::move(name);
     entry.childCount = childCount;
     entry.silent = false;
     return entry;
 }
 
-const AppMemory::Entry &AppMemory::unanswered(const std::string &busName, std::int32_t pid) {
+const AppMemory::Entry& AppMemory::unanswered(const std::string& busName, std::int32_t pid) {
     const auto [at, added] = entries_.try_emplace(busName);
     if (added) at->second.name = programName(pid);
     at->second.silent = true;
     return at->second;
 }
 
-void AppMemory::keepOnly(const std::vector<ListedApp> &listed) {
+void AppMemory::keepOnly(const std::vector<ListedApp>& listed) {
     std::unordered_set<std::string> names;
-    for (const ListedApp &app : listed) names.insert(app.busName);
-    std::erase_if(entries_, [&](const auto &entry) { return names.count(entry.first) == 0; });
+    for (const ListedApp& app : listed) names.insert(app.busName);
+    std::erase_if(entries_, [&](const auto& entry) { return names.count(entry.first) == 0; });
 }
 
-std::vector<ListedApp> listApplications(AppMemory *memory) {
+std::vector<ListedApp> listApplications(AppMemory* memory) {
     const bool withNames = memory != nullptr;
     // The registry (the desktop object) on the accessibility bus.
-    DBusConnection *bus = atspi_get_a11y_bus();
+    DBusConnection* bus = atspi_get_a11y_bus();
     std::vector<Message> listCall;
     listCall.push_back(methodCall(ATSPI_DBUS_NAME_REGISTRY, ATSPI_DBUS_PATH_ROOT, kAccessible, "GetChildren"));
     const auto references = referencesAnswer(callAll(bus, listCall).front());
     std::vector<ListedApp> apps;
     if (!references) return apps;
-    for (const auto &[busName, path] : *references) {
-        ListedApp &app = apps.emplace_back();
+    for (const auto& [busName, path] : *references) {
+        ListedApp& app = apps.emplace_back();
         app.busName = busName;
         app.path = path;
     }
@@ -78,12 +78,12 @@ std::vector<ListedApp> listApplications(AppMemory *memory) {
     std::vector<Message> calls;
     std::vector<int> limits;
     calls.reserve(apps.size() * perApp);
-    for (const ListedApp &app : apps) {
+    for (const ListedApp& app : apps) {
         const int wait = withNames ? memory->waitFor(app.busName) : replyLimitMs();
         limits.insert(limits.end(), perApp, wait);
         Message pid = methodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                  "GetConnectionUnixProcessID");
-        const char *name = app.busName.c_str();
+        const char* name = app.busName.c_str();
         if (pid && !dbus_message_append_args(pid.get(), DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID)) pid.reset();
         calls.push_back(std::move(pid));
         if (!withNames) continue;
@@ -92,13 +92,13 @@ std::vector<ListedApp> listApplications(AppMemory *memory) {
     }
     const std::vector<Message> answers = callAll(bus, calls, limits);
     for (std::size_t i = 0; i < apps.size(); ++i) {
-        const Message *answer = &answers[perApp * i];
+        const Message* answer = &answers[perApp * i];
         dbus_uint32_t pid = 0;
         if (uint32Answer(answer[0], &pid)) apps[i].pid = static_cast<std::int32_t>(pid);
         if (!withNames) continue;
-        const char *name = stringAnswer(answer[1]);  // D-Bus strings are valid UTF-8
+        const char* name = stringAnswer(answer[1]);  // D-Bus strings are valid UTF-8
         dbus_int32_t count = 0;
-        const AppMemory::Entry &entry = name != nullptr && int32Answer(answer[2], &count)
+        const AppMemory::Entry& entry = name != nullptr && int32Answer(answer[2], &count)
                                             ? memory->answered(apps[i].busName, name, count)
                                             : memory->unanswered(apps[i].busName, apps[i].pid);
         apps[i].name = entry.name;
@@ -108,11 +108,11 @@ std::vector<ListedApp> listApplications(AppMemory *memory) {
     return apps;
 }
 
-AccessibleRef applicationObject(const ListedApp &listed, std::size_t index) {
+AccessibleRef applicationObject(const ListedApp& listed, std::size_t index) {
     const AccessibleRef desktop = AccessibleRef::adopt(atspi_get_desktop(0));
     if (!desktop) return {};
     // Where it stood a moment ago, normally; otherwise wherever it stands now.
-    const auto isListed = [&](const AccessibleRef &app) {
+    const auto isListed = [&](const AccessibleRef& app) {
         return app && busOf(app.get()) != nullptr && listed.busName == busOf(app.get());
     };
     Error error;
@@ -120,7 +120,7 @@ AccessibleRef applicationObject(const ListedApp &listed, std::size_t index) {
         AccessibleRef::adopt(atspi_accessible_get_child_at_index(desktop.get(), static_cast<gint>(index), out(error)));
     if (isListed(at)) return at;
     at.reset();
-    for (AccessibleRef &app : childrenOf(desktop.get())) {
+    for (AccessibleRef& app : childrenOf(desktop.get())) {
         if (isListed(app)) return std::move(app);
     }
     return {};

@@ -40,15 +40,15 @@ public:
     // listed all the same), and hardly at all for a silent one, which is asked
     // again all the same and speaks again once it answers in that time. Never
     // more than the reply limit.
-    int waitFor(const std::string &busName) const;
+    int waitFor(const std::string& busName) const;
     static constexpr int kListWaitMs = 250;
     static constexpr int kSilentWaitMs = 25;
 
     // Records an answer, or its absence; gives what to list.
-    const Entry &answered(const std::string &busName, std::string name, std::int32_t childCount);
-    const Entry &unanswered(const std::string &busName, std::int32_t pid);
+    const Entry& answered(const std::string& busName, std::string name, std::int32_t childCount);
+    const Entry& unanswered(const std::string& busName, std::int32_t pid);
     // Forgets the applications that are no longer registered.
-    void keepOnly(const std::vector<ListedApp> &listed);
+    void keepOnly(const std::vector<ListedApp>& listed);
 
 private:
     std::unordered_map<std::string, Entry> entries_;
@@ -59,10 +59,10 @@ private:
 // process ids come from the bus itself, without waiting on any application.
 // An application that gives no name in time is listed under its remembered
 // name, else its program name (from /proc).
-std::vector<ListedApp> listApplications(AppMemory *memory);
+std::vector<ListedApp> listApplications(AppMemory* memory);
 
 // The accessible object of `listed`, which stood at `index` of the list, with
 // its own reference; null when it has gone.
-AccessibleRef applicationObject(const ListedApp &listed, std::size_t index);
+AccessibleRef applicationObject(const ListedApp& listed, std::size_t index);
 
 }  // namespace zeblo::platform::linux_desktop

@@ -14,7 +14,7 @@ namespace {
 
 // The first argument of `answer`, looked at through one variant; false when
 // the answer is missing or an error.
-bool firstArgument(const Message &answer, int type, void *value) {
+bool firstArgument(const Message& answer, int type, void* value) {
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
     DBusMessageIter it;
     if (!dbus_message_iter_init(answer.get(), &it)) return false;
@@ -31,9 +31,9 @@ bool firstArgument(const Message &answer, int type, void *value) {
 // Reads the elements of an answer whose whole signature is `signature` (an
 // array); false when it is another.
 template <class Read>
-bool eachElement(const Message &answer, const char *signature, Read read) {
+bool eachElement(const Message& answer, const char* signature, Read read) {
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
-    const char *actual = dbus_message_get_signature(answer.get());
+    const char* actual = dbus_message_get_signature(answer.get());
     if (actual == nullptr || std::strcmp(actual, signature) != 0) return false;
     DBusMessageIter it, element;
     dbus_message_iter_init(answer.get(), &it);
@@ -44,20 +44,20 @@ bool eachElement(const Message &answer, const char *signature, Read read) {
     return true;
 }
 
-const char *basicString(DBusMessageIter *it) {
-    const char *text = nullptr;
+const char* basicString(DBusMessageIter* it) {
+    const char* text = nullptr;
     dbus_message_iter_get_basic(it, &text);
     return text != nullptr ? text : "";
 }
 
 }  // namespace
 
-Message methodCall(const char *destination, const char *path, const char *interface, const char *member) {
+Message methodCall(const char* destination, const char* path, const char* interface, const char* member) {
     if (destination == nullptr || path == nullptr || !dbus_validate_path(path, nullptr)) return nullptr;
     return Message(dbus_message_new_method_call(destination, path, interface, member));
 }
 
-Message propertyCall(const char *destination, const char *path, const char *interface, const char *property) {
+Message propertyCall(const char* destination, const char* path, const char* interface, const char* property) {
     Message call = methodCall(destination, path, "org.freedesktop.DBus.Properties", "Get");
     if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
                                           DBUS_TYPE_INVALID)) {
@@ -66,7 +66,7 @@ Message propertyCall(const char *destination, const char *path, const char *inte
     return call;
 }
 
-std::vector<Message> callAll(DBusConnection *bus, const std::vector<Message> &calls, const std::vector<int> &limitsMs) {
+std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& calls, const std::vector<int>& limitsMs) {
     std::vector<Message> answers(calls.size());
     if (bus == nullptr) return answers;
     // At most this many calls wait for answers at once, well below the
@@ -82,7 +82,7 @@ std::vector<Message> callAll(DBusConnection *bus, const std::vector<Message> &ca
         due.assign(end - first, {});
         const Clock::time_point sent = Clock::now();
         for (std::size_t i = first; i < end; ++i) {
-            PendingCall &call = pending[i - first];
+            PendingCall& call = pending[i - first];
             const int limit = limitsMs.empty() ? replyLimitMs() : limitsMs[i];
             due[i - first] = sent + std::chrono::milliseconds(limit);
             if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), out(call), limit)) call.reset();
@@ -104,7 +104,7 @@ std::vector<Message> callAll(DBusConnection *bus, const std::vector<Message> &ca
             if (!dbus_connection_read_write_dispatch(bus, static_cast<int>(wait))) break;  // disconnected
         }
         for (std::size_t i = first; i < end; ++i) {
-            PendingCall &call = pending[i - first];
+            PendingCall& call = pending[i - first];
             if (!call) continue;
             if (dbus_pending_call_get_completed(call.get())) {
                 answers[i] = Message(dbus_pending_call_steal_reply(call.get()));
@@ -117,23 +117,23 @@ std::vector<Message> callAll(DBusConnection *bus, const std::vector<Message> &ca
     return answers;
 }
 
-const char *stringAnswer(const Message &answer) {
-    const char *text = nullptr;
+const char* stringAnswer(const Message& answer) {
+    const char* text = nullptr;
     return firstArgument(answer, DBUS_TYPE_STRING, &text) ? text : nullptr;
 }
 
-bool int32Answer(const Message &answer, dbus_int32_t *value) { return firstArgument(answer, DBUS_TYPE_INT32, value); }
+bool int32Answer(const Message& answer, dbus_int32_t* value) { return firstArgument(answer, DBUS_TYPE_INT32, value); }
 
-bool uint32Answer(const Message &answer, dbus_uint32_t *value) {
+bool uint32Answer(const Message& answer, dbus_uint32_t* value) {
     return firstArgument(answer, DBUS_TYPE_UINT32, value);
 }
 
-std::optional<std::vector<Reference>> referencesAnswer(const Message &answer) {
+std::optional<std::vector<Reference>> referencesAnswer(const Message& answer) {
     std::vector<Reference> out;
-    const bool read = eachElement(answer, "a(so)", [&](DBusMessageIter *element) {
+    const bool read = eachElement(answer, "a(so)", [&](DBusMessageIter* element) {
         DBusMessageIter field;
         dbus_message_iter_recurse(element, &field);
-        Reference &reference = out.emplace_back();
+        Reference& reference = out.emplace_back();
         reference.first = basicString(&field);
         dbus_message_iter_next(&field);
         reference.second = basicString(&field);
@@ -142,9 +142,9 @@ std::optional<std::vector<Reference>> referencesAnswer(const Message &answer) {
     return out;
 }
 
-std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message &answer) {
+std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer) {
     std::vector<std::uint32_t> out;
-    const bool read = eachElement(answer, "au", [&](DBusMessageIter *element) {
+    const bool read = eachElement(answer, "au", [&](DBusMessageIter* element) {
         dbus_uint32_t word = 0;
         dbus_message_iter_get_basic(element, &word);
         out.push_back(word);
@@ -153,10 +153,10 @@ std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message &answer) {
     return out;
 }
 
-std::optional<std::vector<std::string>> stringsAnswer(const Message &answer) {
+std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
     std::vector<std::string> out;
     const bool read =
-        eachElement(answer, "as", [&](DBusMessageIter *element) { out.emplace_back(basicString(element)); });
+        eachElement(answer, "as", [&](DBusMessageIter* element) { out.emplace_back(basicString(element)); });
     if (!read) return std::nullopt;
     return out;
 }

@@ -14,16 +14,16 @@ namespace zeblo::platform::linux_desktop {
 
 namespace {
 
-constexpr const char *kPressActions[] = {"click", "press", "activate", "toggle"};
+constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle"};
 
-bool isPressName(const std::string &name) {
-    for (const char *press : kPressActions) {
+bool isPressName(const std::string& name) {
+    for (const char* press : kPressActions) {
         if (name == press) return true;
     }
     return false;
 }
 
-std::vector<std::string> actionNames(AtspiAccessible *object, AXError &code) {
+std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
     std::vector<std::string> names;
     const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
     if (!action) {
@@ -54,13 +54,13 @@ AXError outcome(std::chrono::steady_clock::time_point start, bool failed, gboole
 // running (an action that opens a modal dialog answers when it closes): it
 // gives kAXErrorCannotComplete, as on macOS, which callers count as done;
 // every other failure gives kAXErrorFailure.
-AXError press(AtspiAccessible *object) {
+AXError press(AtspiAccessible* object) {
     if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorFailure;
     AXError code = kAXErrorSuccess;
     const std::vector<std::string> names = actionNames(object, code);
     if (code != kAXErrorSuccess) return kAXErrorFailure;
     int index = -1;
-    for (const char *wanted : kPressActions) {
+    for (const char* wanted : kPressActions) {
         for (std::size_t i = 0; index < 0 && i < names.size(); ++i) {
             if (names[i] == wanted) index = static_cast<int>(i);
         }
@@ -76,7 +76,7 @@ AXError press(AtspiAccessible *object) {
 
 // Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
 // window of the same process whose title is the frame's name, or the only one.
-AXError closeWindow(LinuxPlatform &p, AtspiAccessible *window) {
+AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
     Error error;
     const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, out(error)));
     if (error) return kAXErrorFailure;
@@ -92,10 +92,10 @@ AXError closeWindow(LinuxPlatform &p, AtspiAccessible *window) {
 
 }  // namespace
 
-AXError LinuxPlatform::performAction(const Element &element, std::string_view action) {
+AXError LinuxPlatform::performAction(const Element& element, std::string_view action) {
     const auto locked = guard();
     touch();
-    Node *n = node(element);
+    Node* n = node(element);
     if (n == nullptr) return kAXErrorIllegalArgument;
     if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
     try {
@@ -109,9 +109,9 @@ AXError LinuxPlatform::performAction(const Element &element, std::string_view ac
     }
 }
 
-NamesRead LinuxPlatform::copyActionNames(const Element &element) {
+NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     const auto locked = guard();
-    Node *n = node(element);
+    Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
@@ -121,7 +121,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element &element) {
     // Press-like actions are listed under the name the library presses.
     std::vector<std::string> out;
     bool pressListed = false;
-    for (std::string &name : names) {
+    for (std::string& name : names) {
         if (isPressName(name)) {
             if (!pressListed) out.emplace_back("AXPress");
             pressListed = true;
@@ -132,14 +132,14 @@ NamesRead LinuxPlatform::copyActionNames(const Element &element) {
     return {kAXErrorSuccess, std::move(out)};
 }
 
-AXError LinuxPlatform::setAttributeValue(const Element &element, std::string_view attribute, const SetValue &value) {
+AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_view attribute, const SetValue& value) {
     const auto locked = guard();
     touch();
-    Node *n = node(element);
+    Node* n = node(element);
     if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
     if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
     const AtspiRole role = roleOf(*n);
-    if (const auto *text = std::get_if<std::string>(&value)) {
+    if (const auto* text = std::get_if<std::string>(&value)) {
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
         const Ref<AtspiEditableText> editable =
             Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()));
@@ -157,9 +157,9 @@ AXError LinuxPlatform::setAttributeValue(const Element &element, std::string_vie
     return press(n->object.get());
 }
 
-SettableRead LinuxPlatform::isAttributeSettable(const Element &element, std::string_view attribute) {
+SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
     const auto locked = guard();
-    Node *n = node(element);
+    Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, false};
     if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
     const AtspiRole role = roleOf(*n);

@@ -24,9 +24,9 @@ namespace zeblo::platform::linux_desktop {
 namespace {
 
 bool sessionBusReachable() {
-    const char *address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
     if (address != nullptr && *address != '\0') return true;
-    const char *runtime = std::getenv("XDG_RUNTIME_DIR");
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime == nullptr) return false;
     struct stat st {};
     return stat((std::string(runtime) + "/bus").c_str(), &st) == 0;
@@ -34,8 +34,8 @@ bool sessionBusReachable() {
 
 // The command of a desktop entry named `name` (its file name without
 // ".desktop"): the Exec line without field codes.
-std::vector<std::string> desktopEntryCommand(const std::string &name) {
-    for (const char *dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
+std::vector<std::string> desktopEntryCommand(const std::string& name) {
+    for (const char* dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
         std::ifstream file(std::string(dir) + name + ".desktop");
         std::string line;
         while (file && std::getline(file, line)) {
@@ -57,10 +57,10 @@ std::vector<std::string> desktopEntryCommand(const std::string &name) {
 
 // Starts `argv` detached from this process (its own session, stdio on
 // /dev/null, adopted by init). True when the program could be executed.
-bool spawnDetached(const std::vector<std::string> &args) {
+bool spawnDetached(const std::vector<std::string>& args) {
     if (args.empty()) return false;
-    std::vector<char *> argv;
-    for (const std::string &a : args) argv.push_back(const_cast<char *>(a.c_str()));
+    std::vector<char*> argv;
+    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
     const int report = startDetached([&](int reportFd) {
         execvp(argv[0], argv.data());
@@ -77,8 +77,8 @@ bool spawnDetached(const std::vector<std::string> &args) {
 
 // The GLib context libatspi dispatches on, made once and kept for the
 // process's life (libatspi keeps using it).
-GMainContext *privateContext() {
-    static GMainContext *const context = g_main_context_new();
+GMainContext* privateContext() {
+    static GMainContext* const context = g_main_context_new();
     return context;
 }
 
@@ -94,7 +94,7 @@ bool registryAnswers() {
 }  // namespace
 
 std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
-    const char *display = std::getenv("DISPLAY");
+    const char* display = std::getenv("DISPLAY");
     if (display == nullptr || *display == '\0' || !sessionBusReachable()) return nullptr;
     std::unique_ptr<X11Session> x11 = X11Session::open();
     if (!x11) return nullptr;
@@ -124,21 +124,21 @@ Element LinuxPlatform::wrap(AccessibleRef object, Node::Kind kind, std::shared_p
     return handOut<Element>(std::move(n));
 }
 
-const Survey::Item *LinuxPlatform::surveyed(const Node &node) const {
+const Survey::Item* LinuxPlatform::surveyed(const Node& node) const {
     if (!node.survey || node.survey->generation() != generation_) return nullptr;
     return node.survey->find(node.object.get());
 }
 
-const std::shared_ptr<const Survey> &LinuxPlatform::surveyFor(Node &node) {
+const std::shared_ptr<const Survey>& LinuxPlatform::surveyFor(Node& node) {
     if (!node.survey || node.survey->generation() != generation_) {
         node.survey = Survey::take(node.object.get(), generation_);
     }
     return node.survey;
 }
 
-Node *LinuxPlatform::node(const Element &element) const noexcept {
+Node* LinuxPlatform::node(const Element& element) const noexcept {
     if (!element || element.owner() != this) return nullptr;
-    return static_cast<Node *>(element.raw());
+    return static_cast<Node*>(element.raw());
 }
 
 void LinuxPlatform::drainEvents() {
@@ -184,7 +184,7 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
     const auto locked = guard();
     drainEvents();
     std::vector<RunningApp> out;
-    for (ListedApp &app : listApplications(&appMemory_)) {
+    for (ListedApp& app : listApplications(&appMemory_)) {
         if (app.pid == 0 || !app.name) continue;  // gone meanwhile
         RunningApp r;
         r.pid = app.pid;
@@ -201,7 +201,7 @@ std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
     const auto locked = guard();
     const std::optional<std::int32_t> pid = x11_->activeWindowPid();
     if (!pid) return std::nullopt;
-    for (RunningApp &app : runningApplications()) {
+    for (RunningApp& app : runningApplications()) {
         if (app.pid == *pid) return std::move(app);
     }
     // A window of a process that does not take part in accessibility.
@@ -218,7 +218,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
     touch();
     const std::string wanted(name);
     if (wanted.empty()) return false;
-    for (const RunningApp &app : runningApplications()) {
+    for (const RunningApp& app : runningApplications()) {
         if (app.localizedName == wanted) return activateApplication(app, kActivateIgnoringOtherApps);
     }
     std::vector<std::string> command = desktopEntryCommand(wanted);
@@ -226,7 +226,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
     return spawnDetached({wanted});
 }
 
-bool LinuxPlatform::activateApplication(const RunningApp &app, std::uint64_t /*options*/) {
+bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
     const auto locked = guard();
     touch();
     const std::vector<Window> windows = x11_->windowsOf(app.pid);
@@ -259,11 +259,11 @@ bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view 
     return x11_->own({{std::string(type), std::string(text)}});
 }
 
-bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem> &items) {
+bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {
     const auto locked = guard();
     std::vector<std::pair<std::string, std::string>> pairs;
-    for (const PasteboardItem &item : items) {
-        for (const auto &[type, data] : item.entries) {
+    for (const PasteboardItem& item : items) {
+        for (const auto& [type, data] : item.entries) {
             if (data) pairs.emplace_back(type, std::string(data->begin(), data->end()));
         }
     }
@@ -296,31 +296,31 @@ void LinuxPlatform::log(std::string_view line) {
     const auto locked = guard();
     const std::string text(line);
     syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
-    if (const char *echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
+    if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
         fprintf(stderr, "%s\n", text.c_str());
     }
 }
 
-void LinuxPlatform::retainHandle(HandleKind kind, void *raw) noexcept {
+void LinuxPlatform::retainHandle(HandleKind kind, void* raw) noexcept {
     if (raw == nullptr) return;
     if (kind == HandleKind::element) {
-        static_cast<Node *>(raw)->refs.fetch_add(1);
+        static_cast<Node*>(raw)->refs.fetch_add(1);
     } else {
-        static_cast<KeyEvent *>(raw)->refs.fetch_add(1);
+        static_cast<KeyEvent*>(raw)->refs.fetch_add(1);
     }
 }
 
-void LinuxPlatform::releaseHandle(HandleKind kind, void *raw) noexcept {
+void LinuxPlatform::releaseHandle(HandleKind kind, void* raw) noexcept {
     if (raw == nullptr) return;
     // The last release deletes the payload through its owning type.
     if (kind == HandleKind::element) {
-        auto *n = static_cast<Node *>(raw);
+        auto* n = static_cast<Node*>(raw);
         if (n->refs.fetch_sub(1) == 1) {
             const auto locked = guard();  // the last reference goes back to libatspi
             const std::unique_ptr<Node> last(n);
         }
     } else {
-        auto *e = static_cast<KeyEvent *>(raw);
+        auto* e = static_cast<KeyEvent*>(raw);
         if (e->refs.fetch_sub(1) == 1) const std::unique_ptr<KeyEvent> last(e);
     }
 }

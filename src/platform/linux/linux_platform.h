@@ -83,52 +83,54 @@ public:
 
     Element createApplicationElement(std::int32_t pid) override;
     Element createSystemWideElement() override;
-    AttributeRead copyAttributeValue(const Element &element, std::string_view attribute) override;
-    NamesRead copyAttributeNames(const Element &element) override;
-    AXError setAttributeValue(const Element &element, std::string_view attribute, const SetValue &value) override;
-    SettableRead isAttributeSettable(const Element &element, std::string_view attribute) override;
+    AttributeRead copyAttributeValue(const Element& element, std::string_view attribute) override;
+    NamesRead copyAttributeNames(const Element& element) override;
+    AXError setAttributeValue(const Element& element, std::string_view attribute, const SetValue& value) override;
+    SettableRead isAttributeSettable(const Element& element, std::string_view attribute) override;
+    // identity.cpp
+    bool sameElement(const Element& a, const Element& b) override;
 
-    AXError performAction(const Element &element, std::string_view action) override;
-    NamesRead copyActionNames(const Element &element) override;
+    AXError performAction(const Element& element, std::string_view action) override;
+    NamesRead copyActionNames(const Element& element) override;
     bool isProcessTrusted(bool prompt) override;
 
     EventSource createEventSource(std::int32_t stateId) override;
-    Event createKeyboardEvent(const EventSource *source, std::uint16_t keyCode, bool keyDown) override;
-    void setEventFlags(const Event &event, std::uint64_t flags) override;
-    void setEventIntegerField(const Event &event, std::uint32_t field, std::int64_t value) override;
-    void postEvent(std::uint32_t tap, const Event &event) override;
+    Event createKeyboardEvent(const EventSource* source, std::uint16_t keyCode, bool keyDown) override;
+    void setEventFlags(const Event& event, std::uint64_t flags) override;
+    void setEventIntegerField(const Event& event, std::uint32_t field, std::int64_t value) override;
+    void postEvent(std::uint32_t tap, const Event& event) override;
 
     std::optional<RunningApp> frontmostApplication() override;
     std::vector<RunningApp> runningApplications() override;
     bool launchApplication(std::string_view name) override;
-    bool activateApplication(const RunningApp &app, std::uint64_t options) override;
+    bool activateApplication(const RunningApp& app, std::uint64_t options) override;
 
     std::optional<std::vector<PasteboardItem>> pasteboardItems() override;
     void clearPasteboard() override;
     bool setPasteboardString(std::string_view text, std::string_view type) override;
-    bool writePasteboardItems(const std::vector<PasteboardItem> &items) override;
+    bool writePasteboardItems(const std::vector<PasteboardItem>& items) override;
 
     void sleep(double seconds) override;
     double now() override;
     void log(std::string_view line) override;
 
-    void retainHandle(HandleKind kind, void *raw) noexcept override;
-    void releaseHandle(HandleKind kind, void *raw) noexcept override;
+    void retainHandle(HandleKind kind, void* raw) noexcept override;
+    void releaseHandle(HandleKind kind, void* raw) noexcept override;
 
     // Used by the element code (linux_attributes.cpp).
     Element wrap(AccessibleRef object, Node::Kind kind = Node::Kind::accessible,
                  std::shared_ptr<const Survey> survey = nullptr);
-    Node *node(const Element &element) const noexcept;
+    Node* node(const Element& element) const noexcept;
     // What `node`'s survey knows of it, when the survey is still current.
-    const Survey::Item *surveyed(const Node &node) const;
+    const Survey::Item* surveyed(const Node& node) const;
     // The survey for a walk from `node`: its own when current, else a new one.
-    const std::shared_ptr<const Survey> &surveyFor(Node &node);
+    const std::shared_ptr<const Survey>& surveyFor(Node& node);
     // Counts something done on the desktop (an action, a value written, a key
     // event, an activation, a pause): surveys taken before it are stale.
     void touch() { ++generation_; }
     // Held by every operation of the backend.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() { return std::unique_lock(lock_); }
-    X11Session &x11() { return *x11_; }
+    X11Session& x11() { return *x11_; }
     // The registered application with process id `pid`, or null.
     AccessibleRef findApplication(std::int32_t pid);
     // Handles the accessibility bus's queued signals without waiting.
@@ -140,7 +142,7 @@ private:
     H handOut(std::unique_ptr<T> payload) noexcept {
         return H::adopt(this, payload.release());
     }
-    AttributeRead readAttribute(Node &node, std::string_view attribute);
+    AttributeRead readAttribute(Node& node, std::string_view attribute);
 
     std::unique_ptr<X11Session> x11_;
     std::uint16_t heldModifiers_ = 0;  // modifier bits pressed by postEvent
@@ -154,21 +156,21 @@ private:
 // Helpers shared by the backend's files.
 
 // The AT-SPI role of `node`, read once.
-AtspiRole roleOf(Node &node);
+AtspiRole roleOf(Node& node);
 // The role name the library sees for `node` ("AXButton", "AXWindow"...).
-std::string axRole(Node &node);
-bool hasState(AtspiAccessible *object, AtspiStateType state);
+std::string axRole(Node& node);
+bool hasState(AtspiAccessible* object, AtspiStateType state);
 bool isWindowRole(AtspiRole role);
 // Text from libatspi (may be null; freed here), as valid UTF-8.
-std::string takeText(char *text);
+std::string takeText(char* text);
 // The unique bus name of `object`'s application, or null.
-const char *busOf(AtspiAccessible *object);
+const char* busOf(AtspiAccessible* object);
 // The object path of `object` ("" when it has none).
-std::string pathOf(AtspiAccessible *object);
+std::string pathOf(AtspiAccessible* object);
 // The connection libatspi reaches `object`'s application on, or null.
-DBusConnection *connectionOf(AtspiAccessible *object);
+DBusConnection* connectionOf(AtspiAccessible* object);
 // The children of `object`; null entries kept.
-std::vector<AccessibleRef> childrenOf(AtspiAccessible *object);
+std::vector<AccessibleRef> childrenOf(AtspiAccessible* object);
 
 // Roles whose value is text (entries, password fields, text views).
 inline bool isTextRole(AtspiRole role) {

@@ -102,6 +102,16 @@ SettableRead MacPlatform::isAttributeSettable(const Element& element, std::strin
     });
 }
 
+bool MacPlatform::sameElement(const Element& a, const Element& b) {
+    return guarded(false, [&] {
+        // Two AXUIElementRefs are equal when they name the same element of the
+        // same process; comparing them sends no message.
+        AXUIElementRef x = axElement(a);
+        AXUIElementRef y = axElement(b);
+        return x != nullptr && y != nullptr && CFEqual(x, y) != 0;
+    });
+}
+
 AXError MacPlatform::performAction(const Element& element, std::string_view action) {
     return guarded(kAXErrorFailure, [&]() -> AXError {
         AXUIElementRef target = axElement(element);

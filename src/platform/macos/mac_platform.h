@@ -42,6 +42,7 @@ public:
     AXError setAttributeValue(const Element& element, std::string_view attribute,
                               const SetValue& value) override;
     SettableRead isAttributeSettable(const Element& element, std::string_view attribute) override;
+    bool sameElement(const Element& a, const Element& b) override;
 
     AXError performAction(const Element& element, std::string_view action) override;
     NamesRead copyActionNames(const Element& element) override;

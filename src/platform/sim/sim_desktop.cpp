@@ -53,6 +53,13 @@ SimApp* SimDesktop::Impl::findApp(std::int32_t pid) {
     return nullptr;
 }
 
+void SimDesktop::Impl::waitUnanswered(const Node* n, std::int64_t micros) {
+    record(Json{{"unanswered", static_cast<double>(micros) / 1e6},
+                {"element", n->id.empty() ? Json(nullptr) : Json(n->id)}});
+    clockMicros += micros;
+    applyDueChanges();
+}
+
 void SimDesktop::Impl::applyDueChanges() {
     std::vector<TimelineChange> later;
     for (auto& change : timeline) {
@@ -98,6 +105,11 @@ void SimDesktop::Impl::applyChange(const TimelineChange& change) {
         if (frontmost == pid) frontmost.reset();
     } else if (c.contains("addApp") && change.app) {
         apps.push_back(*change.app);
+    } else if (auto it = c.find("hangApp"); it != c.end()) {
+        if (SimApp* app = findApp((*it)["pid"].get<std::int32_t>()))
+            app->hungMicros = std::llround((*it)["seconds"].get<double>() * 1e6);
+    } else if (auto it = c.find("resumeApp"); it != c.end()) {
+        if (SimApp* app = findApp(it->get<std::int32_t>())) app->hungMicros = 0;
     }
 }
 

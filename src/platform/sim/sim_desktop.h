@@ -57,6 +57,14 @@ struct Node {
     OnPress onPress = OnPress::nothing;
     // The element of a process that is gone: every read fails.
     bool dead = false;
+    // A hung element: every read, write and action waits this long (virtual
+    // microseconds) for a reply that does not come and fails with
+    // kAXErrorCannotComplete. A write or action is delivered all the same.
+    // 0: it answers.
+    std::int64_t hungMicros = 0;
+    // Only writes and actions wait this long and fail so, after taking
+    // effect (a button whose press opens a modal dialog); 0: they answer.
+    std::int64_t holdsReplyMicros = 0;
 
     // Finds or adds an attribute; convenience for code that builds trees.
     Attr* findAttr(std::string_view name);
@@ -71,6 +79,9 @@ struct SimApp {
     std::int64_t policy = 0;
     bool activate = true;  // answer to an activation request
     Node* element = nullptr;
+    // Every element under `element` is hung for this long (see Node); 0: the
+    // application answers. The workspace still lists and activates it.
+    std::int64_t hungMicros = 0;
 };
 
 // One pasteboard item: type → data, in order; no data means the item cannot
@@ -159,6 +170,7 @@ public:
                                         const platform::SetValue& value) override;
     platform::SettableRead isAttributeSettable(const platform::Element& element,
                                                std::string_view attribute) override;
+    bool sameElement(const platform::Element& a, const platform::Element& b) override;
     platform::AXError performAction(const platform::Element& element, std::string_view action) override;
     platform::NamesRead copyActionNames(const platform::Element& element) override;
     bool isProcessTrusted(bool prompt) override;

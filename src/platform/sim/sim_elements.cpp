@@ -25,6 +25,29 @@ AXError usable(const Node* n) {
     return platform::kAXErrorSuccess;
 }
 
+// Why a read of `n` gets no answer: as `usable`, or, for a hung element, the
+// reply limit running out after its hung time has passed; success when it
+// answers.
+AXError unanswered(SimDesktop::Impl& state, const Node* n) {
+    if (AXError e = usable(n)) return e;
+    if (std::int64_t micros = state.hungMicros(n); micros > 0) {
+        state.waitUnanswered(n, micros);
+        return platform::kAXErrorCannotComplete;
+    }
+    return platform::kAXErrorSuccess;
+}
+
+// The answer to a write or action that `n` has been given and has acted on
+// (`result`): held back until the reply limit runs out when `n` is hung or
+// holds its replies.
+AXError withheld(SimDesktop::Impl& state, const Node* n, AXError result) {
+    std::int64_t micros = state.hungMicros(n);
+    if (micros == 0) micros = n->holdsReplyMicros;
+    if (micros == 0) return result;
+    state.waitUnanswered(n, micros);
+    return platform::kAXErrorCannotComplete;
+}
+
 // Whether `target` is `root` or lies below it through any attribute. Walks
 // with an explicit list; shared nodes and cycles are visited once.
 bool holds(Node* root, const Node* target) {
@@ -70,6 +93,13 @@ void toggle(Node& n) {
 
 }  // namespace
 
+std::int64_t SimDesktop::Impl::hungMicros(const Node* n) {
+    if (n->hungMicros > 0) return n->hungMicros;
+    for (const SimApp& app : apps)
+        if (app.hungMicros > 0 && app.element != nullptr && holds(app.element, n)) return app.hungMicros;
+    return 0;
+}
+
 platform::Element SimDesktop::elementOf(Node* n) {
     if (n == nullptr) return {};
     ++impl_->liveHandles;
@@ -100,7 +130,7 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
                                                        std::string_view attribute) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);
-    if (AXError e = usable(n)) return {e, {}};
+    if (AXError e = unanswered(*impl_, n)) return {e, {}};
     if (auto it = n->errors.find(attribute); it != n->errors.end()) return {it->second, {}};
     const Attr* a = n->findAttr(attribute);
     if (a == nullptr) return {platform::kAXErrorAttributeUnsupported, {}};
@@ -135,7 +165,7 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
 platform::NamesRead SimDesktop::copyAttributeNames(const platform::Element& element) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);
-    if (AXError e = usable(n)) return {e, std::nullopt};
+    if (AXError e = unanswered(*impl_, n)) return {e, std::nullopt};
     std::vector<std::string> names;
     names.reserve(n->attrs.size());
     for (const auto& [name, value] : n->attrs) names.push_back(name);
@@ -161,6 +191,7 @@ AXError SimDesktop::setAttributeValue(const platform::Element& element, std::str
             n->setAttr(std::string(attribute), std::get<std::int64_t>(value));
         }
     }
+    if (n != nullptr && !n->dead) result = withheld(*impl_, n, result);
     Json shown = std::holds_alternative<std::string>(value) ? Json(traceText(std::get<std::string>(value)))
                                                             : Json(std::get<std::int64_t>(value));
     impl_->record(Json{{"set", traceText(attribute)}, {"element", idJson(n)}, {"value", std::move(shown)},
@@ -172,8 +203,14 @@ platform::SettableRead SimDesktop::isAttributeSettable(const platform::Element& 
                                                        std::string_view attribute) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);
-    if (AXError e = usable(n)) return {e, false};
+    if (AXError e = unanswered(*impl_, n)) return {e, false};
     return {platform::kAXErrorSuccess, n->settable.count(attribute) != 0};
+}
+
+bool SimDesktop::sameElement(const platform::Element& a, const platform::Element& b) {
+    // Nodes live as long as the desktop, so comparing them needs no lock.
+    const Node* n = nodeOf(this, a);
+    return n != nullptr && n == nodeOf(this, b);
 }
 
 AXError SimDesktop::performAction(const platform::Element& element, std::string_view action) {
@@ -193,6 +230,7 @@ AXError SimDesktop::performAction(const platform::Element& element, std::string_
         if (n->onPress == OnPress::close) closeWindowHolding(impl_->apps, n);
         if (n->onPress == OnPress::toggle) toggle(*n);
     }
+    if (n != nullptr && !n->dead) result = withheld(*impl_, n, result);
     impl_->record(Json{{"action", traceText(action)}, {"element", idJson(n)}, {"result", result}});
     return result;
 }
@@ -200,7 +238,7 @@ AXError SimDesktop::performAction(const platform::Element& element, std::string_
 platform::NamesRead SimDesktop::copyActionNames(const platform::Element& element) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);
-    if (AXError e = usable(n)) return {e, std::nullopt};
+    if (AXError e = unanswered(*impl_, n)) return {e, std::nullopt};
     if (n->actionNamesError) return {*n->actionNamesError, std::nullopt};
     std::vector<std::string> names;
     names.reserve(n->actions.size());

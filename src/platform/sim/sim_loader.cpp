@@ -63,6 +63,19 @@ const std::string& stringOf(const Json& j, const std::string& where) {
     return j.get_ref<const std::string&>();
 }
 
+// A hung time: a number of seconds above 0 and at most an hour, in whole
+// microseconds (at least one); null is 0, no hang.
+std::int64_t hungMicrosOf(const Json& j, const std::string& where) {
+    if (j.is_null()) return 0;
+    const double secs = j.is_number() ? j.get<double>() : 0;
+    const std::int64_t micros = std::isfinite(secs) && secs <= 3600 ? std::llround(secs * 1e6) : 0;
+    if (micros <= 0) {
+        fail(where, "expected a number of seconds above 0 and at most 3600" +
+                        (j.is_number() ? std::string(", got ") + j.dump() : got(j)));
+    }
+    return micros;
+}
+
 void requireObject(const Json& j, const std::string& where, const char* what) {
     if (!j.is_object()) fail(where, std::string("expected ") + what + got(j));
 }
@@ -226,6 +239,10 @@ private:
                     n.settable.insert(stringOf(v[i], at + "[" + std::to_string(i) + "]"));
             } else if (key == "setResult") {
                 if (!v.is_null()) n.setResult = codeOf(v, at);
+            } else if (key == "hung") {
+                n.hungMicros = hungMicrosOf(v, at);
+            } else if (key == "holdsReply") {
+                n.holdsReplyMicros = hungMicrosOf(v, at);
             } else if (key == "onPress") {
                 if (v.is_null()) continue;
                 const auto& s = stringOf(v, at);
@@ -233,8 +250,9 @@ private:
                 else if (s == "toggle") n.onPress = OnPress::toggle;
                 else fail(at, "expected \"close\" or \"toggle\", got \"" + s + "\"");
             } else {
-                fail(at, "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
-                         "settable, setResult, onPress)");
+                fail(at,
+                     "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
+                     "settable, setResult, onPress, hung, holdsReply)");
             }
         }
     }
@@ -272,13 +290,15 @@ AppDraft readApp(Json& j, const std::string& where, Builder& b, const std::strin
                                      std::numeric_limits<std::int64_t>::max(), "an activation policy integer");
         } else if (key == "activate") {
             d.app.activate = boolOf(v, at);
+        } else if (key == "hung") {
+            d.app.hungMicros = hungMicrosOf(v, at);
         } else if (key == "element") {
             if (!v.is_null()) {
                 b.collect(v, d.where);
                 d.element = &v;
             }
         } else {
-            fail(at, "unknown application key (expected name, pid, hidden, policy, activate, element)");
+            fail(at, "unknown application key (expected name, pid, hidden, policy, activate, element, hung)");
         }
     }
     if (!hasPid) fail(where, "an application needs a \"pid\"");
@@ -330,8 +350,19 @@ ChangeDraft readChange(Json j, const std::string& where, Builder& b) {
         pidOf(v, vat);
     } else if (kind == "addApp") {
         d.app = readApp(v, vat, b);
+    } else if (kind == "hangApp") {
+        requireObject(v, vat, "{\"pid\": PID, \"seconds\": SECONDS}");
+        if (v.size() != 2 || !v.contains("pid") || !v.contains("seconds"))
+            fail(vat, "expected exactly {\"pid\": PID, \"seconds\": SECONDS}");
+        pidOf(v["pid"], vat + ".pid");
+        if (v["seconds"].is_null() || hungMicrosOf(v["seconds"], vat + ".seconds") == 0)
+            fail(vat + ".seconds", "expected a number of seconds above 0 and at most 3600, got null");
+    } else if (kind == "resumeApp") {
+        pidOf(v, vat);
     } else {
-        fail(vat, "unknown timeline change (expected frontmost, addWindow, removeWindow, removeApp, addApp)");
+        fail(vat,
+             "unknown timeline change (expected frontmost, addWindow, removeWindow, removeApp, addApp, "
+             "hangApp, resumeApp)");
     }
     return d;
 }

@@ -72,6 +72,13 @@ struct SimDesktop::Impl {
     void record(nlohmann::ordered_json entry) {
         if (recording) trace.push_back(std::move(entry));
     }
+    // How long a call to `n` waits for a reply that does not come: its own
+    // hung time, else that of a hung application it lies under; 0 when it
+    // answers.
+    std::int64_t hungMicros(const Node* n);
+    // Lets `micros` of virtual time pass for a call to `n` that gets no reply
+    // (recorded in the trace), applying the changes that come due.
+    void waitUnanswered(const Node* n, std::int64_t micros);
     // Applies every pending change whose time has come, in order.
     void applyDueChanges();
     void applyChange(const TimelineChange& change);

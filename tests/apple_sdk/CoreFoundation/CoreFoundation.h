@@ -66,6 +66,7 @@ CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef cf);
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef cf);
 CF_EXPORT void CFRelease(CFTypeRef cf);
 CF_EXPORT CFStringRef CFCopyDescription(CFTypeRef cf);
+CF_EXPORT Boolean CFEqual(CFTypeRef cf1, CFTypeRef cf2);
 
 CF_EXPORT CFTypeID CFNullGetTypeID(void);
 

@@ -34,6 +34,7 @@ public:
     platform::SettableRead isAttributeSettable(const platform::Element& e, std::string_view a) override {
         return d_.isAttributeSettable(e, a);
     }
+    bool sameElement(const platform::Element& a, const platform::Element& b) override { return d_.sameElement(a, b); }
     platform::AXError performAction(const platform::Element& e, std::string_view a) override {
         return d_.performAction(e, a);
     }

@@ -88,7 +88,7 @@ TEST_F(FocusedFieldTest, NoElementTakesTheValue) {
     const std::string fields[] = {
         R"({"attrs": {"AXRole": "AXTextField"}})",                                          // not settable
         R"({"attrs": {"AXRole": "AXSearchField", "AXChildren": []}, "settable": ["AXValue"]})",
-        R"({"attrs": {"AXRole": "AXTextField"}, "settable": ["AXValue"], "setResult": -25204,
+        R"({"attrs": {"AXRole": "AXTextField"}, "settable": ["AXValue"], "setResult": -25200,
             "errors": {"AXChildren": -25204}})",
         R"({"attrs": {"AXRole": "AXGroup", "AXChildren": "not a list"}})",
     };

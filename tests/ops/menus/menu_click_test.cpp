@@ -26,7 +26,7 @@ constexpr const char* kDesktop = R"J({"apps": [
       {"id": "save-twin", "attrs": {"AXTitle": "Save", "AXEnabled": false}, "actions": {"AXPress": 0}},
       {"id": "print", "attrs": {"AXTitle": "Print\u2026", "AXEnabled": false}, "actions": {"AXPress": -25200, "AXPick": 0}},
       {"id": "stuck", "attrs": {"AXTitle": "Stuck", "AXEnabled": "yes"},
-       "actions": {"AXPress": -25200, "AXPick": -25204}},
+       "actions": {"AXPress": -25200, "AXPick": -25205}},
       {"id": "mute", "attrs": {"AXTitle": "Mute"}, "actions": {"AXPress": -25200}, "actionNamesError": -25204},
       {"id": "cafe", "attrs": {"AXTitle": "Caf\u00e9"}, "errors": {"AXEnabled": -25204}, "actions": {"AXPress": 0}},
       {"attrs": {"AXTitle": 42}},
@@ -170,7 +170,7 @@ TEST_F(MenuClickTest, RefusedActionsListTheAvailableOnes) {
     const Lines lines = logs();
     EXPECT_EQ(lines, (Lines{kContainerLine, "Menu item execute failed. Available actions (2):", "  AXPress",
                             "  AXPick", clickError(5)}));
-    EXPECT_EQ(actions(), (Lines{"stuck AXPress -25200", "stuck AXPick -25204"}));
+    EXPECT_EQ(actions(), (Lines{"stuck AXPress -25200", "stuck AXPick -25205"}));
     EXPECT_TRUE(exists("Ed", {"File", "Stuck"}));
     clearTrace();
 

@@ -21,7 +21,7 @@ Json checkbox(const std::string& title, Json press = 0) {
 class Controls : public WindowTest {};
 
 TEST_F(Controls, ButtonsAreFoundInPreOrderAndPressedOrPicked) {
-    Json pickOnly = withId(button("Export", -25204), "export");
+    Json pickOnly = withId(button("Export", -25206), "export");
     pickOnly["actions"]["AXPick"] = 0;
     Json refuses = withId(button("Print", -25200), "print");
     loadWindows({window("Main", {el("AXGroup", "", {withId(button("Save As\u2026"), "save-as")}),
@@ -38,7 +38,7 @@ TEST_F(Controls, ButtonsAreFoundInPreOrderAndPressedOrPicked) {
 
     Json expected = Json::array();
     expected.push_back({{"action", "AXPress"}, {"element", "save-as"}, {"result", 0}});
-    expected.push_back({{"action", "AXPress"}, {"element", "export"}, {"result", -25204}});
+    expected.push_back({{"action", "AXPress"}, {"element", "export"}, {"result", -25206}});
     expected.push_back({{"action", "AXPick"}, {"element", "export"}, {"result", 0}});
     expected.push_back({{"action", "AXPress"}, {"element", "print"}, {"result", -25200}});
     expected.push_back({{"action", "AXPick"}, {"element", "print"}, {"result", -25206}});
