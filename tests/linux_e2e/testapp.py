@@ -134,7 +134,10 @@ def option_toggled(_renderer, path):
     report("%s %d" % (options[path][1], int(options[path][0])))
 
 
+# GTK turns a toggle cell's accessible action into a row activation, not a
+# toggle: like most checklists, this one toggles on row activation too.
 checklist = Gtk.TreeView(model=options)
+checklist.connect("row-activated", lambda view, path, column: option_toggled(None, path))
 toggle = Gtk.CellRendererToggle()
 toggle.connect("toggled", option_toggled)
 checklist.append_column(Gtk.TreeViewColumn("On", toggle, active=0))
@@ -146,6 +149,13 @@ for value in (40, 72):
     spin = Gtk.SpinButton.new_with_range(0, 1000, 1)
     spin.set_value(value)
     spins.add(spin)
+# The keyboard focus to the first spin button and back to the name field.
+focus_size = Gtk.Button(label="Focus Size")
+focus_size.connect("clicked", lambda b: spins.get_children()[0].grab_focus())
+spins.add(focus_size)
+focus_name = Gtk.Button(label="Focus Name")
+focus_name.connect("clicked", lambda b: name.grab_focus())
+spins.add(focus_name)
 box.pack_start(spins, False, False, 0)
 
 combo = Gtk.ComboBoxText()

@@ -50,17 +50,17 @@ std::string firstActionOf(AtspiAccessible* object) {
 }
 
 std::string rowNameOf(AtspiAccessible* cell) {
-    const Ref<AtspiTableCell> position = Ref<AtspiTableCell>::adopt(atspi_accessible_get_table_cell(cell));
-    if (!position) return {};
-    gint row = -1, column = -1;
+    // The row is asked of the table (GTK fails the cell's own Position for
+    // its first cell).
     Error error;
-    atspi_table_cell_get_position(position.get(), &row, &column, out(error));
-    if (error) return {};
-    const AccessibleRef owner = AccessibleRef::adopt(atspi_table_cell_get_table(position.get(), out(error)));
+    const AccessibleRef owner = AccessibleRef::adopt(atspi_accessible_get_parent(cell, out(error)));
+    const gint index = error ? -1 : atspi_accessible_get_index_in_parent(cell, out(error));
     const Ref<AtspiTable> table =
         Ref<AtspiTable>::adopt(owner && !error ? atspi_accessible_get_table_iface(owner.get()) : nullptr);
-    if (!table) return {};
-    const gint columns = atspi_table_get_n_columns(table.get(), out(error));
+    if (!table || index < 0) return {};
+    const gint row = atspi_table_get_row_at_index(table.get(), index, out(error));
+    const gint column = error ? -1 : atspi_table_get_column_at_index(table.get(), index, out(error));
+    const gint columns = error ? 0 : atspi_table_get_n_columns(table.get(), out(error));
     for (gint c = 0; !error && c < columns; ++c) {
         if (c == column) continue;
         const AccessibleRef other =
