@@ -22,6 +22,7 @@ tests=(
 desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps
   gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
+  x11-xkb-utils  # setxkbmap: the typing tests switch keyboard layouts
 )
 packages=("${build[@]}" "${tests[@]}")
 extra=()

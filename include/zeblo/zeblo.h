@@ -235,9 +235,16 @@
 ** popup windows, titled by their accessible name.  Roles: "AXButton" is a
 ** push button, "AXCheckBox" a check box or toggle button, "AXPopUpButton" a
 ** combo box without an entry (its "AXMenu" is its menu child),
-** "AXTextField" / "AXTextArea" single- / multi-line text, "AXComboBox" a
+** "AXTextField" / "AXTextArea" single- / multi-line text (a spin button is
+** an "AXTextField" whose value is its text), "AXComboBox" a
 ** combo box with an entry, "AXSecureTextField" a password field,
-** "AXStaticText" a label (docs/linux-backend.md has the whole table).  The
+** "AXStaticText" a label (docs/linux-backend.md has the whole table).  A
+** table cell whose first action is "toggle" (a check box in a GTK tree
+** view: a checklist) is an "AXCheckBox" checked by its checked state and,
+** having no name of its own, titled by the first non-empty name among the
+** other cells of its row.  GTK runs such a cell's action as an activation
+** of its row, not as a toggle: the checklist changes only when the
+** application toggles on row activation (as most do).  The
 ** menu bar of an application is that of its focused window, else of its
 ** first window that has one.
 **
@@ -265,7 +272,13 @@
 **
 ** zeblo_get_app_menus.  "checked" is the item's checked state.  "cmdChar"
 ** and "cmdModifiers" come from the accelerator of the item's key binding
-** (e.g. "<Primary>n" gives "N" and 0), with the bits 1 Shift, 2 Option
+** (e.g. "<Primary>n" gives "N" and 0).  "cmdChar" is what
+** zeblo_send_keystroke takes back as it stands: the character the X key
+** name stands for where it has one ("plus" gives "+", "period" ".", a
+** letter in upper case), "F1".."F12", "\n", "\t", "\b", "\x1b", "left",
+** "right", "up", "down", "home", "end", "pageup", "pagedown" and
+** "forwarddelete" for those keys; an item whose key is none of these (a
+** keypad or media key, Insert) has no key equivalent.  The bits: 1 Shift, 2 Option
 ** (Alt), 4 Control (Super, Meta) and 8 no Command; Control and <Primary>
 ** count as Command, because the command flag is sent as Control.  An item
 ** with a submenu has neither.  Disabled items are listed with their key.
@@ -273,15 +286,27 @@
 ** Keyboard (zeblo_send_keystroke, zeblo_send_global_keystroke,
 ** zeblo_type_text, zeblo_paste_text and the Return of
 ** zeblo_paste_into_focused_field).  Key codes stay the library's US key
-** codes (the macOS virtual key codes); each is mapped to the keysym that key
-** gives on a US keyboard without modifiers, and sent with XTest on whatever
-** key gives that keysym in the current keymap.  A code with no such keysym,
-** or a keysym the keymap lacks, is skipped silently (the call still
-** succeeds).  The flags become modifier keys: Shift is Shift_L, Control AND
-** Command are Control_L (so the command flag of a keystroke is sent as
-** Control, and Command-V pastes), Option is Alt_L; they go down before a key
-** goes down and up right after the first key comes up.  The event marker of
-** typed and global events is dropped: X11 events carry no such field.
+** codes (the macOS virtual key codes), and each stands for what that key
+** types on a US keyboard: with Shift (asked for by the flags, or held by a
+** Shift key event) a character key stands for its shifted character ("2"
+** with Shift is "@").  The backend reads the active XKB keymap afresh for
+** every key and presses, with XTest, the key, shift level and group that
+** give that keysym, holding exactly the modifiers the level needs (Shift,
+** ISO_Level3_Shift, i.e. AltGr) around it and lifting a held Shift the level
+** does not want, so typed text and keystrokes give the same characters
+** under any layout ("@" is AltGr+Q under "de", "1" is Shift+& under "fr",
+** Command-Z presses the key that gives "z").  The active group is tried
+** first, then the others (locked for the length of the key).  A character
+** the layout has only as a dead key ("^", "`", "~" under "de") is typed as
+** that dead key and a space.  No key is ever remapped: a keysym the layout
+** cannot type is skipped with the log line
+**     Keyboard: no key types 'KEYSYM' in the current layout; the key is skipped
+** and the call still succeeds.  Other keys (Return, Tab, arrows, function
+** keys) keep Shift as a modifier.  The flags become modifiers: Shift,
+** Control AND Command are Control (so the command flag of a keystroke is
+** sent as Control, and Command-V pastes), Option is Alt; they go down before
+** a key goes down and up when it comes up.  The event marker of typed and
+** global events is dropped: X11 events carry no such field.
 ** Events cannot fail to be made, so the "Failed to create ..." failures do
 ** not occur.
 **
@@ -495,8 +520,11 @@ ZEBLO_API bool zeblo_menu_item_enabled(const char *appName, const char *const *m
 ** keyChar    required; the whole text, fully lower-cased, names the key
 **            (nothing is trimmed): a letter a-z, a digit, one of
 **            ` - = [ ] \ ; ' , . /  a space, "\t" (Tab), "\n" (Return),
-**            "\b" (Delete, i.e. backspace), "\x1b" (Escape), or "f1".."f12",
-**            "left", "right", "up", "down".  "\r" is not Return.
+**            "\b" (Delete, i.e. backspace), "\x1b" (Escape), "f1".."f12",
+**            "left", "right", "up", "down", "home", "end", "pageup",
+**            "pagedown", "forwarddelete", or one of the 21 shifted symbols
+**            of zeblo_type_text (! @ # ... ~), which adds Shift to the
+**            modifiers.  "\r" is not Return.
 ** modifiers  bit 0 Shift, bit 1 Control, bit 2 Option, bit 3 Command;
 **            other bits are ignored.
 **
@@ -573,8 +601,8 @@ ZEBLO_API bool zeblo_send_global_keystroke(const uint16_t *keyCodes, int32_t key
 **   "Failed to create event source"       (nothing typed)
 **   "Failed to create shift down event", "Failed to create key down event",
 **   "Failed to create key up event", "Failed to create shift up event"
-** Linux: no marker; a shifted character is Shift with the US key's keysym,
-** so what it gives depends on the keymap (PLATFORMS, Keyboard).
+** Linux: no marker; each character is typed on the active layout's key for
+** it, with that key's modifiers (PLATFORMS, Keyboard).
 */
 ZEBLO_API bool zeblo_type_text(const char *text, bool markEvents);
 

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # A GTK 3 window the end-to-end tests drive: a classic menu bar (with a
 # submenu, checked items, key bindings and a disabled item), buttons,
-# checkboxes, a combo box, text fields, a password field and a dialog that
-# opens and closes. A status label shows the last action, so that tests can
+# checkboxes, a checklist (a tree view of toggle cells), spin buttons, a combo
+# box, text fields, a password field and a dialog that opens and closes. A status label shows the last action, so that tests can
 # read what happened through the window's text.
 import gi
 
@@ -90,6 +90,8 @@ item(view_menu, "Word Wrap", "<Primary><Shift>w", kind="check")
 zoom = submenu(view_menu, "Zoom")
 item(zoom, "Zoom In", "<Primary>plus")
 item(zoom, "Zoom Out", "<Primary>minus")
+item(zoom, "Actual Size", "<Primary>period")
+item(zoom, "First Page", "<Primary>Page_Up")
 
 box = Gtk.Box(orientation=Gtk.Orientation.VERTICAL, spacing=4)
 box.pack_start(bar, False, False, 0)
@@ -120,6 +122,41 @@ box.pack_start(feature, False, False, 0)
 remember = Gtk.CheckButton(label="Remember Me")
 remember.set_active(True)
 box.pack_start(remember, False, False, 0)
+
+# A checklist: each row a toggle cell and the option's name.
+options = Gtk.ListStore(bool, str)
+options.append([True, "Spell Check"])
+options.append([False, "Auto Save"])
+
+
+def option_toggled(_renderer, path):
+    options[path][0] = not options[path][0]
+    report("%s %d" % (options[path][1], int(options[path][0])))
+
+
+# GTK turns a toggle cell's accessible action into a row activation, not a
+# toggle: like most checklists, this one toggles on row activation too.
+checklist = Gtk.TreeView(model=options)
+checklist.connect("row-activated", lambda view, path, column: option_toggled(None, path))
+toggle = Gtk.CellRendererToggle()
+toggle.connect("toggled", option_toggled)
+checklist.append_column(Gtk.TreeViewColumn("On", toggle, active=0))
+checklist.append_column(Gtk.TreeViewColumn("Option", Gtk.CellRendererText(), text=1))
+box.pack_start(checklist, False, False, 0)
+
+spins = Gtk.Box(spacing=4)
+for value in (40, 72):
+    spin = Gtk.SpinButton.new_with_range(0, 1000, 1)
+    spin.set_value(value)
+    spins.add(spin)
+# The keyboard focus to the first spin button and back to the name field.
+focus_size = Gtk.Button(label="Focus Size")
+focus_size.connect("clicked", lambda b: spins.get_children()[0].grab_focus())
+spins.add(focus_size)
+focus_name = Gtk.Button(label="Focus Name")
+focus_name.connect("clicked", lambda b: name.grab_focus())
+spins.add(focus_name)
+box.pack_start(spins, False, False, 0)
 
 combo = Gtk.ComboBoxText()
 for colour in ("Red", "Green", "Blue"):

@@ -1,5 +1,7 @@
 // End-to-end tests against our own GTK test application (testapp.py): menus,
 // buttons, checkboxes, the combo box, text fields and a dialog.
+#include <cstdlib>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -111,6 +113,30 @@ TEST_F(TestApp, KeystrokeReachesTheMenuAccelerator) {
     EXPECT_TRUE(status("Undo"));
 }
 
+// Every key equivalent of the snapshot, sent back as it stands, fires its
+// item: characters ("+", "-", ".") and key names ("pageup") alike.
+TEST_F(TestApp, SnapshotKeyEquivalentsAreSentBack) {
+    const json snapshot = takeJson(zeblo_get_app_menus(kApp));
+    ASSERT_TRUE(snapshot.is_object()) << snapshot.dump();
+    const json* zoom = findItem(snapshot["menus"][2]["children"], "Zoom");
+    ASSERT_NE(zoom, nullptr);
+    const std::pair<const char*, const char*> keys[] = {
+        {"Zoom In", "+"}, {"Zoom Out", "-"}, {"Actual Size", "."}, {"First Page", "pageup"}};
+    for (const auto& [title, key] : keys) {
+        const json* item = findItem((*zoom)["children"], title);
+        ASSERT_NE(item, nullptr) << title;
+        EXPECT_EQ((*item)["cmdChar"], key) << title;
+        // Menu modifier bits (1 shift, 2 option, 4 control, 8 no command) to
+        // keystroke bits (1 shift, 2 control, 4 option, 8 command).
+        const int bits = (*item)["cmdModifiers"].get<int>();
+        const int modifiers = (bits & 1) | ((bits & 2) << 1) | ((bits & 4) >> 1) | ((bits & 8) ? 0 : 8);
+        ASSERT_TRUE(click({"File", "New"}));
+        ASSERT_TRUE(status("New"));
+        ASSERT_TRUE(zeblo_send_keystroke(kApp, (*item)["cmdChar"].get<std::string>().c_str(), modifiers));
+        EXPECT_TRUE(status(title)) << title;
+    }
+}
+
 TEST_F(TestApp, ButtonsAreListedAndPressed) {
     const json buttons = takeJson(zeblo_get_window_buttons(kApp, kWindow));
     ASSERT_TRUE(buttons.is_array()) << buttons.dump();
@@ -137,6 +163,33 @@ TEST_F(TestApp, CheckboxesToggleAndTakeAValue) {
     EXPECT_FALSE(zeblo_set_checkbox_value(kApp, kWindow, "Enable Feature", 2));
 }
 
+// A checklist's toggle cells are check boxes named by their row.
+TEST_F(TestApp, ChecklistCellsToggleAndTakeAValue) {
+    EXPECT_TRUE(windowTextHas(kApp, kWindow, "[AXCheckBox Title] Spell Check\n"));
+    ASSERT_TRUE(zeblo_click_checkbox(kApp, kWindow, "Auto Save"));
+    EXPECT_TRUE(status("Auto Save 1"));
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Spell Check", 0));
+    EXPECT_TRUE(status("Spell Check 0"));
+    ASSERT_TRUE(click({"File", "New"}));
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Spell Check", 0));  // already 0: not pressed
+    ASSERT_TRUE(zeblo_set_checkbox_value(kApp, kWindow, "Spell Check", 1));
+    EXPECT_TRUE(status("Spell Check 1"));
+    ASSERT_TRUE(zeblo_click_checkbox(kApp, kWindow, "Auto Save"));
+    EXPECT_TRUE(status("Auto Save 0"));
+}
+
+// Spin buttons show their values and take text as text fields do.
+TEST_F(TestApp, SpinButtonsAreTextFields) {
+    EXPECT_TRUE(windowTextHas(kApp, kWindow, "[AXTextField] 40\n[AXTextField] 72\n")) << windowText(kApp, kWindow);
+    ASSERT_TRUE(zeblo_click_button(kApp, kWindow, "Focus Size"));
+    EXPECT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
+    EXPECT_TRUE(zeblo_paste_into_focused_field("500", true));
+    EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, "[AXTextField] 500\n[AXTextField] 72\n"); }));
+    EXPECT_TRUE(zeblo_paste_into_focused_field("40", true));
+    ASSERT_TRUE(zeblo_click_button(kApp, kWindow, "Focus Name"));
+    EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, "[AXTextField] 40\n"); }));
+}
+
 TEST_F(TestApp, WindowTextShowsLabelsAndValues) {
     const std::string text = windowText(kApp, kWindow);
     EXPECT_NE(text.find("[AXStaticText] Last:"), std::string::npos) << text;
@@ -155,6 +208,29 @@ TEST_F(TestApp, TypingAndDirectEntryReachTheFocusedField) {
     ASSERT_TRUE(zeblo_type_text(" + typed", true));
     EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, " + typed"); })) << windowText(kApp, kWindow);
     EXPECT_FALSE(zeblo_type_text("\xC3\xA9", false));  // not on a US keyboard
+}
+
+// Typed text arrives as written under a German and a French layout, the
+// shifted and AltGr symbols and the dead-key ones included, and keystrokes
+// still reach the menu accelerators.
+TEST_F(TestApp, TypingFollowsTheActiveLayout) {
+    const std::string typed = "a@yz/Q-1 {[|]}\\#$%&*+=?!<>;:_\"'^`~";
+    for (const char* layout : {"de", "fr"}) {
+        ASSERT_EQ(std::system((std::string("setxkbmap ") + layout).c_str()), 0);
+        const std::unique_ptr<const char, void (*)(const char*)> restore(
+            "us", [](const char*) { EXPECT_EQ(std::system("setxkbmap us"), 0); });
+        ASSERT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
+        ASSERT_TRUE(zeblo_paste_into_focused_field("", false));
+        ASSERT_TRUE(zeblo_type_text(typed.c_str(), false));
+        EXPECT_TRUE(eventually([&] { return windowTextHas(kApp, kWindow, "[AXTextField] " + typed + "\n"); }))
+            << layout << ": " << windowText(kApp, kWindow);
+        ASSERT_TRUE(click({"File", "New"}));
+        ASSERT_TRUE(status("New"));
+        ASSERT_TRUE(zeblo_send_keystroke(kApp, "z", 1 << 3));
+        EXPECT_TRUE(status("Undo")) << layout;
+        ASSERT_TRUE(zeblo_send_keystroke(kApp, "+", 1 << 3));
+        EXPECT_TRUE(status("Zoom In")) << layout;
+    }
 }
 
 TEST_F(TestApp, DialogOpensIsFoundAndCloses) {

@@ -1,11 +1,11 @@
 #include "ops/keyboard/key_codes.h"
 
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+
 #include <array>
 #include <string>
 #include <utility>
-
-#include <unicode/normalizer2.h>
-#include <unicode/unistr.h>
 
 #include "core/unicode.h"
 
@@ -21,25 +21,61 @@ constexpr std::array<Row, 26> letterKeyCodes{{
 }};
 
 constexpr std::array<Row, 10> digitKeyCodes{{
-    {"0", 29}, {"1", 18}, {"2", 19}, {"3", 20}, {"4", 21}, {"5", 23}, {"6", 22}, {"7", 26}, {"8", 28}, {"9", 25},
+    {"0", 29},
+    {"1", 18},
+    {"2", 19},
+    {"3", 20},
+    {"4", 21},
+    {"5", 23},
+    {"6", 22},
+    {"7", 26},
+    {"8", 28},
+    {"9", 25},
 }};
 
 constexpr std::array<Row, 16> specialKeyCodes{{
-    {" ", 49},  {"\n", 36}, {"\t", 48}, {"\b", 51}, {"\x1b", 53}, {"`", 50}, {"-", 27}, {"=", 24},
-    {"[", 33},  {"]", 30},  {"\\", 42}, {";", 41},  {"'", 39},    {",", 43}, {".", 47}, {"/", 44},
+    {" ", 49},
+    {"\n", 36},
+    {"\t", 48},
+    {"\b", 51},
+    {"\x1b", 53},
+    {"`", 50},
+    {"-", 27},
+    {"=", 24},
+    {"[", 33},
+    {"]", 30},
+    {"\\", 42},
+    {";", 41},
+    {"'", 39},
+    {",", 43},
+    {".", 47},
+    {"/", 44},
 }};
 
 constexpr std::array<Row, 12> functionKeyCodes{{
-    {"f1", 122}, {"f2", 120}, {"f3", 99},  {"f4", 118},  {"f5", 96},   {"f6", 97},
-    {"f7", 98},  {"f8", 100}, {"f9", 101}, {"f10", 109}, {"f11", 103}, {"f12", 111},
+    {"f1", 122},
+    {"f2", 120},
+    {"f3", 99},
+    {"f4", 118},
+    {"f5", 96},
+    {"f6", 97},
+    {"f7", 98},
+    {"f8", 100},
+    {"f9", 101},
+    {"f10", 109},
+    {"f11", 103},
+    {"f12", 111},
 }};
 
 constexpr std::array<Row, 4> arrowKeyCodes{{{"left", 123}, {"right", 124}, {"down", 125}, {"up", 126}}};
 
+constexpr std::array<Row, 5> navigationKeyCodes{
+    {{"home", 115}, {"end", 119}, {"pageup", 116}, {"pagedown", 121}, {"forwarddelete", 117}}};
+
 // A character typed with Shift, and the text of the unshifted key carrying it.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 21> shiftedCharacters{{
-    {"!", "1"}, {"@", "2"}, {"#", "3"}, {"$", "4"}, {"%", "5"}, {"^", "6"}, {"&", "7"},
-    {"*", "8"}, {"(", "9"}, {")", "0"}, {"_", "-"}, {"+", "="}, {"{", "["}, {"}", "]"},
+    {"!", "1"},  {"@", "2"}, {"#", "3"},  {"$", "4"}, {"%", "5"}, {"^", "6"}, {"&", "7"},
+    {"*", "8"},  {"(", "9"}, {")", "0"},  {"_", "-"}, {"+", "="}, {"{", "["}, {"}", "]"},
     {"|", "\\"}, {":", ";"}, {"\"", "'"}, {"<", ","}, {">", "."}, {"?", "/"}, {"~", "`"},
 }};
 
@@ -61,8 +97,8 @@ std::optional<KeyCode> find(const std::array<Row, N>& table, std::string_view ke
 // written: canonical singletons such as the Kelvin sign, whose normal form is
 // an ASCII letter, never pass for that letter.
 std::u32string orderKey(std::string_view character) {
-    icu::UnicodeString u = icu::UnicodeString::fromUTF8(icu::StringPiece(character.data(),
-                                                                         static_cast<int32_t>(character.size())));
+    icu::UnicodeString u =
+        icu::UnicodeString::fromUTF8(icu::StringPiece(character.data(), static_cast<int32_t>(character.size())));
     if (u.countChar32() > 1) {
         UErrorCode status = U_ZERO_ERROR;
         const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
@@ -93,6 +129,7 @@ std::optional<KeyCode> keyCharToKeyCode(std::string_view keyText) {
     if (auto c = find(digitKeyCodes, lower)) return c;
     if (auto c = find(specialKeyCodes, lower)) return c;
     if (auto c = find(functionKeyCodes, lower)) return c;
+    if (auto c = find(navigationKeyCodes, lower)) return c;
     return find(arrowKeyCodes, lower);
 }
 

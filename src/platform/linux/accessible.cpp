@@ -41,6 +41,36 @@ std::optional<std::string> textContents(AtspiAccessible* object) {
     return takeText(contents.release());
 }
 
+std::string firstActionOf(AtspiAccessible* object) {
+    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
+    if (!action) return {};
+    Error error;
+    std::string name = takeText(atspi_action_get_action_name(action.get(), 0, out(error)));
+    return error ? std::string() : name;
+}
+
+std::string rowNameOf(AtspiAccessible* cell) {
+    // The row is asked of the table (GTK fails the cell's own Position for
+    // its first cell).
+    Error error;
+    const AccessibleRef owner = AccessibleRef::adopt(atspi_accessible_get_parent(cell, out(error)));
+    const gint index = error ? -1 : atspi_accessible_get_index_in_parent(cell, out(error));
+    const Ref<AtspiTable> table =
+        Ref<AtspiTable>::adopt(owner && !error ? atspi_accessible_get_table_iface(owner.get()) : nullptr);
+    if (!table || index < 0) return {};
+    const gint row = atspi_table_get_row_at_index(table.get(), index, out(error));
+    const gint column = error ? -1 : atspi_table_get_column_at_index(table.get(), index, out(error));
+    const gint columns = error ? 0 : atspi_table_get_n_columns(table.get(), out(error));
+    for (gint c = 0; !error && c < columns; ++c) {
+        if (c == column) continue;
+        const AccessibleRef other =
+            AccessibleRef::adopt(atspi_table_get_accessible_at(table.get(), row, c, out(error)));
+        std::string name = other && !error ? nameOf(other.get()) : std::string();
+        if (!name.empty()) return name;
+    }
+    return {};
+}
+
 AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
     if (!collection) return {};

@@ -19,6 +19,11 @@ AtspiRole roleOfObject(AtspiAccessible* object);
 std::string nameOf(AtspiAccessible* object, bool* ok = nullptr);
 // The whole text of an object with the Text interface.
 std::optional<std::string> textContents(AtspiAccessible* object);
+// The first action name of `object` ("" when it has no action).
+std::string firstActionOf(AtspiAccessible* object);
+// The first non-empty name among the other cells of `cell`'s table row ("" when
+// there is none, or `cell` is not a table cell).
+std::string rowNameOf(AtspiAccessible* cell);
 // The first descendant of `root` with `role` (through the Collection
 // interface: one round trip), or null.
 AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role);

@@ -22,6 +22,9 @@ std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view att
         bool good = false;
         std::string title = r.name(&good);
         if (!good) return AttributeRead{kAXErrorCannotComplete, {}};
+        // A checklist's check box has no name of its own: the row's text
+        // names it.
+        if (title.empty() && r.role == ATSPI_ROLE_CHECK_BOX) title = rowNameOf(r.object);
         return ok(std::move(title));
     }
     if (attribute == "AXDescription") {

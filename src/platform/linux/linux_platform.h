@@ -31,6 +31,7 @@
 #include "platform/linux/live_count.h"
 #include "platform/linux/owned.h"
 #include "platform/linux/survey.h"
+#include "platform/linux/x11_keyboard.h"
 #include "platform/platform.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -145,9 +146,9 @@ private:
     AttributeRead readAttribute(Node& node, std::string_view attribute);
 
     std::unique_ptr<X11Session> x11_;
-    std::uint16_t heldModifiers_ = 0;  // modifier bits pressed by postEvent
-    std::uint64_t generation_ = 0;     // see touch()
-    AppMemory appMemory_;              // the application list's names
+    X11Keyboard keyboard_;          // the keys postEvent holds
+    std::uint64_t generation_ = 0;  // see touch()
+    AppMemory appMemory_;           // the application list's names
     // Serialises the backend's use of libatspi and Xlib across threads.
     std::recursive_mutex lock_;
 };
@@ -172,10 +173,11 @@ DBusConnection* connectionOf(AtspiAccessible* object);
 // The children of `object`; null entries kept.
 std::vector<AccessibleRef> childrenOf(AtspiAccessible* object);
 
-// Roles whose value is text (entries, password fields, text views).
+// Roles whose value is text (entries, spin buttons, password fields, text
+// views).
 inline bool isTextRole(AtspiRole role) {
-    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_PASSWORD_TEXT ||
-           role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
+    return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_SPIN_BUTTON ||
+           role == ATSPI_ROLE_PASSWORD_TEXT || role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
 }
 
 // Roles whose value is an on/off state, read and written as 0 or 1.

@@ -8,7 +8,8 @@
 //   `get` lends, `release` hands the reference on, and `out()` lets a C
 //   function that hands back an object through a pointer store it here.
 // - `Owned<T, F>`: a std::unique_ptr whose deleter calls F (GError, g_malloc'd
-//   text, GArray, X11 data and displays, D-Bus messages and pending calls);
+//   text, GArray, X11 data, displays and keymaps, D-Bus messages and pending
+//   calls);
 //   `out(p)` does the same as `Ref::out()` for it (`GError**` arguments).
 #pragma once
 
@@ -20,8 +21,10 @@
 #include <vector>
 
 struct _XDisplay;
+struct _XkbDesc;
 extern "C" int XFree(void*);
 extern "C" int XCloseDisplay(struct _XDisplay*);
+extern "C" void XkbFreeKeyboard(struct _XkbDesc*, unsigned int, int);
 
 namespace zeblo::platform::linux_desktop {
 
@@ -90,12 +93,14 @@ using Owned = std::unique_ptr<T, Releaser<Release>>;
 inline void freeArray(GArray* array) noexcept { g_array_free(array, TRUE); }
 inline void freeXData(void* data) noexcept { XFree(data); }
 inline void closeDisplay(_XDisplay* display) noexcept { XCloseDisplay(display); }
+inline void freeKeyboardMap(_XkbDesc* map) noexcept { XkbFreeKeyboard(map, 0, 1); }
 
 using Error = Owned<GError, g_error_free>;
-using Text = Owned<char, g_free>;                       // g_malloc'd text
-using Array = Owned<GArray, freeArray>;                 // the elements are not released
-using XData = Owned<unsigned char, freeXData>;          // what Xlib hands back to XFree
+using Text = Owned<char, g_free>;               // g_malloc'd text
+using Array = Owned<GArray, freeArray>;         // the elements are not released
+using XData = Owned<unsigned char, freeXData>;  // what Xlib hands back to XFree
 using DisplayConnection = Owned<_XDisplay, closeDisplay>;
+using KeyboardMap = Owned<_XkbDesc, freeKeyboardMap>;  // an XKB keymap (XkbGetMap)
 using Message = Owned<DBusMessage, dbus_message_unref>;
 using PendingCall = Owned<DBusPendingCall, dbus_pending_call_unref>;
 

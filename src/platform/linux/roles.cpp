@@ -20,25 +20,44 @@ constexpr const char* kWindow = "AXWindow";
 // Menus, combo boxes, texts and entries are named in axRole: their name
 // depends on their parent, their content or their state.
 constexpr RoleName kRoles[] = {
-    {ATSPI_ROLE_APPLICATION, "AXApplication"},  {ATSPI_ROLE_FRAME, kWindow},
-    {ATSPI_ROLE_DIALOG, kWindow},               {ATSPI_ROLE_FILE_CHOOSER, kWindow},
-    {ATSPI_ROLE_ALERT, kWindow},                {ATSPI_ROLE_COLOR_CHOOSER, kWindow},
-    {ATSPI_ROLE_WINDOW, kWindow},               {ATSPI_ROLE_MENU_BAR, "AXMenuBar"},
-    {ATSPI_ROLE_MENU_ITEM, "AXMenuItem"},       {ATSPI_ROLE_CHECK_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_RADIO_MENU_ITEM, "AXMenuItem"}, {ATSPI_ROLE_TEAROFF_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_PUSH_BUTTON, "AXButton"},       {ATSPI_ROLE_PUSH_BUTTON_MENU, "AXButton"},
-    {ATSPI_ROLE_CHECK_BOX, "AXCheckBox"},       {ATSPI_ROLE_TOGGLE_BUTTON, "AXCheckBox"},
-    {ATSPI_ROLE_RADIO_BUTTON, "AXRadioButton"}, {ATSPI_ROLE_PASSWORD_TEXT, "AXSecureTextField"},
-    {ATSPI_ROLE_LABEL, "AXStaticText"},         {ATSPI_ROLE_STATIC, "AXStaticText"},
-    {ATSPI_ROLE_SLIDER, "AXSlider"},            {ATSPI_ROLE_SPIN_BUTTON, "AXIncrementor"},
-    {ATSPI_ROLE_SCROLL_BAR, "AXScrollBar"},     {ATSPI_ROLE_PROGRESS_BAR, "AXProgressIndicator"},
-    {ATSPI_ROLE_PAGE_TAB_LIST, "AXTabGroup"},   {ATSPI_ROLE_PAGE_TAB, "AXRadioButton"},
-    {ATSPI_ROLE_TABLE, "AXTable"},              {ATSPI_ROLE_TREE_TABLE, "AXOutline"},
-    {ATSPI_ROLE_TREE, "AXOutline"},             {ATSPI_ROLE_LIST, "AXList"},
-    {ATSPI_ROLE_LIST_BOX, "AXList"},            {ATSPI_ROLE_IMAGE, "AXImage"},
-    {ATSPI_ROLE_LINK, "AXLink"},                {ATSPI_ROLE_SCROLL_PANE, "AXScrollArea"},
-    {ATSPI_ROLE_TOOL_BAR, "AXToolbar"},         {ATSPI_ROLE_SEPARATOR, "AXSplitter"},
-    {ATSPI_ROLE_FILLER, "AXGroup"},             {ATSPI_ROLE_PANEL, "AXGroup"},
+    {ATSPI_ROLE_APPLICATION, "AXApplication"},
+    {ATSPI_ROLE_FRAME, kWindow},
+    {ATSPI_ROLE_DIALOG, kWindow},
+    {ATSPI_ROLE_FILE_CHOOSER, kWindow},
+    {ATSPI_ROLE_ALERT, kWindow},
+    {ATSPI_ROLE_COLOR_CHOOSER, kWindow},
+    {ATSPI_ROLE_WINDOW, kWindow},
+    {ATSPI_ROLE_MENU_BAR, "AXMenuBar"},
+    {ATSPI_ROLE_MENU_ITEM, "AXMenuItem"},
+    {ATSPI_ROLE_CHECK_MENU_ITEM, "AXMenuItem"},
+    {ATSPI_ROLE_RADIO_MENU_ITEM, "AXMenuItem"},
+    {ATSPI_ROLE_TEAROFF_MENU_ITEM, "AXMenuItem"},
+    {ATSPI_ROLE_PUSH_BUTTON, "AXButton"},
+    {ATSPI_ROLE_PUSH_BUTTON_MENU, "AXButton"},
+    {ATSPI_ROLE_CHECK_BOX, "AXCheckBox"},
+    {ATSPI_ROLE_TOGGLE_BUTTON, "AXCheckBox"},
+    {ATSPI_ROLE_RADIO_BUTTON, "AXRadioButton"},
+    {ATSPI_ROLE_PASSWORD_TEXT, "AXSecureTextField"},
+    {ATSPI_ROLE_LABEL, "AXStaticText"},
+    {ATSPI_ROLE_STATIC, "AXStaticText"},
+    {ATSPI_ROLE_SLIDER, "AXSlider"},
+    {ATSPI_ROLE_SPIN_BUTTON, "AXTextField"},
+    {ATSPI_ROLE_SCROLL_BAR, "AXScrollBar"},
+    {ATSPI_ROLE_PROGRESS_BAR, "AXProgressIndicator"},
+    {ATSPI_ROLE_PAGE_TAB_LIST, "AXTabGroup"},
+    {ATSPI_ROLE_PAGE_TAB, "AXRadioButton"},
+    {ATSPI_ROLE_TABLE, "AXTable"},
+    {ATSPI_ROLE_TREE_TABLE, "AXOutline"},
+    {ATSPI_ROLE_TREE, "AXOutline"},
+    {ATSPI_ROLE_LIST, "AXList"},
+    {ATSPI_ROLE_LIST_BOX, "AXList"},
+    {ATSPI_ROLE_IMAGE, "AXImage"},
+    {ATSPI_ROLE_LINK, "AXLink"},
+    {ATSPI_ROLE_SCROLL_PANE, "AXScrollArea"},
+    {ATSPI_ROLE_TOOL_BAR, "AXToolbar"},
+    {ATSPI_ROLE_SEPARATOR, "AXSplitter"},
+    {ATSPI_ROLE_FILLER, "AXGroup"},
+    {ATSPI_ROLE_PANEL, "AXGroup"},
 };
 
 // The table's name for `role`, or null.
@@ -51,9 +70,7 @@ const char* tableName(AtspiRole role) {
 
 // What a node's survey knows of it, however old: for the facts that do not
 // change while an element lives (its role, whether a text is single-line).
-const Survey::Item* lastKnown(const Node& node) {
-    return node.survey ? node.survey->find(node.object.get()) : nullptr;
-}
+const Survey::Item* lastKnown(const Node& node) { return node.survey ? node.survey->find(node.object.get()) : nullptr; }
 
 }  // namespace
 
@@ -69,6 +86,13 @@ AtspiRole roleOf(Node& node) {
             node.role = item->role;
         } else {
             node.role = node.object ? roleOfObject(node.object.get()) : ATSPI_ROLE_INVALID;
+        }
+        // A check box drawn in a tree view (a checklist) is a table cell whose
+        // first action is "toggle": it reads and acts as a check box. Cells
+        // with text are never toggles, so they cost no round trip.
+        if (*node.role == ATSPI_ROLE_TABLE_CELL && (item == nullptr || (item->hasAction && !item->hasText)) &&
+            firstActionOf(node.object.get()) == "toggle") {
+            node.role = ATSPI_ROLE_CHECK_BOX;
         }
     }
     return *node.role;

@@ -1,4 +1,4 @@
-// Windows, activation, closing and XTest key events (Xlib, XTest).
+// Windows, activation and closing (Xlib; XTest is asked for at the opening).
 #include "platform/linux/x11_session.h"
 
 #include <X11/Xatom.h>
@@ -19,8 +19,8 @@ std::vector<unsigned long> longProperty(Display* display, Window window, Atom pr
     unsigned long count = 0;
     unsigned long after = 0;
     unsigned char* data = nullptr;
-    if (XGetWindowProperty(display, window, property, 0, 1 << 16, False, type, &actualType, &actualFormat,
-                           &count, &after, &data) == Success &&
+    if (XGetWindowProperty(display, window, property, 0, 1 << 16, False, type, &actualType, &actualFormat, &count,
+                           &after, &data) == Success &&
         data != nullptr) {
         const XData owned(data);
         if (actualFormat == 32) {
@@ -87,8 +87,8 @@ std::string X11Session::titleOf(Window window) {
     unsigned long count = 0, after = 0;
     unsigned char* data = nullptr;
     std::string title;
-    if (XGetWindowProperty(display(), window, atom("_NET_WM_NAME"), 0, 1 << 16, False, atom("UTF8_STRING"),
-                           &actualType, &actualFormat, &count, &after, &data) == Success &&
+    if (XGetWindowProperty(display(), window, atom("_NET_WM_NAME"), 0, 1 << 16, False, atom("UTF8_STRING"), &actualType,
+                           &actualFormat, &count, &after, &data) == Success &&
         data != nullptr) {
         const XData owned(data);
         if (actualFormat == 8) title.assign(reinterpret_cast<const char*>(data), count);
@@ -146,14 +146,6 @@ bool X11Session::requestClose(Window window) {
     const Status sent = XSendEvent(display(), window, False, NoEventMask, &event);
     XSync(display(), False);
     return sent != 0;
-}
-
-bool X11Session::fakeKey(unsigned long keysym, bool down) {
-    const KeyCode code = XKeysymToKeycode(display(), static_cast<KeySym>(keysym));
-    if (code == 0) return false;
-    XTestFakeKeyEvent(display(), code, down ? True : False, CurrentTime);
-    XSync(display(), False);
-    return true;
 }
 
 }  // namespace zeblo::platform::linux_desktop

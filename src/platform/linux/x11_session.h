@@ -1,7 +1,7 @@
 // The X11 side of the Linux backend: one display connection for the process,
 // used for the active window (_NET_ACTIVE_WINDOW, _NET_WM_PID), activation
-// and closing of windows, synthesized key events (XTest) and the CLIPBOARD
-// selection.
+// and closing of windows, the connection that synthesized key events
+// (x11_keyboard.h) go through and the CLIPBOARD selection.
 //
 // X11 keeps no clipboard of its own: the owner of CLIPBOARD answers every
 // request for it. While this process owns it (after setPasteboardString),
@@ -44,9 +44,6 @@ public:
     // Asks the window (WM_DELETE_WINDOW) to close.
     bool requestClose(Window window);
 
-    // Keyboard: presses or releases the key that produces `keysym`.
-    bool fakeKey(unsigned long keysym, bool down);
-
     // CLIPBOARD. `pairs` are (type, data) in preference order.
     bool own(std::vector<std::pair<std::string, std::string>> pairs);
     void disown();
@@ -59,9 +56,11 @@ public:
     // Waits up to `seconds`, answering CLIPBOARD requests meanwhile.
     void serve(double seconds);
 
+    // The connection, for the keyboard (x11_keyboard.h).
+    Display* display() const { return connection_.get(); }
+
 private:
     X11Session() = default;
-    Display* display() const { return connection_.get(); }
     Atom atom(const char* name);
     void handle(XEvent& event);
     void answer(const XSelectionRequestEvent& request);

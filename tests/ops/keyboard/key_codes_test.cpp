@@ -1,12 +1,11 @@
 // The key code tables and the two lookups built on them.
-#include <gtest/gtest.h>
+#include "ops/keyboard/key_codes.h"
 
+#include <gtest/gtest.h>
 #include <unicode/utf8.h>
 
 #include <map>
 #include <string>
-
-#include "ops/keyboard/key_codes.h"
 
 namespace zeblo::keyboard {
 namespace {
@@ -22,7 +21,8 @@ std::string utf8(char32_t c) {
 // keyboard itself rather than from the tables.
 std::map<char32_t, KeyPress> usKeyboard() {
     std::map<char32_t, KeyPress> m;
-    const int letters[26] = {0, 11, 8, 2, 14, 3, 5, 4, 34, 38, 40, 37, 46, 45, 31, 35, 12, 15, 1, 17, 32, 9, 13, 7, 16, 6};
+    const int letters[26] = {0,  11, 8,  2,  14, 3, 5,  4,  34, 38, 40, 37, 46,
+                             45, 31, 35, 12, 15, 1, 17, 32, 9,  13, 7,  16, 6};
     const int digits[10] = {29, 18, 19, 20, 21, 23, 22, 26, 28, 25};
     for (int i = 0; i < 26; ++i) {
         m[U'a' + i] = {static_cast<KeyCode>(letters[i]), false};
@@ -53,6 +53,11 @@ TEST(KeyCharToKeyCode, NamesAndCharacters) {
     EXPECT_EQ(keyCharToKeyCode("right"), 124);
     EXPECT_EQ(keyCharToKeyCode("down"), 125);
     EXPECT_EQ(keyCharToKeyCode("uP"), 126);
+    EXPECT_EQ(keyCharToKeyCode("Home"), 115);
+    EXPECT_EQ(keyCharToKeyCode("end"), 119);
+    EXPECT_EQ(keyCharToKeyCode("PageUp"), 116);
+    EXPECT_EQ(keyCharToKeyCode("pagedown"), 121);
+    EXPECT_EQ(keyCharToKeyCode("forwarddelete"), 117);
     EXPECT_EQ(keyCharToKeyCode(" "), 49);
     EXPECT_EQ(keyCharToKeyCode("\n"), 36);
     EXPECT_EQ(keyCharToKeyCode("\t"), 48);
@@ -65,18 +70,33 @@ TEST(KeyCharToKeyCode, NamesAndCharacters) {
 
 TEST(KeyCharToKeyCode, UnknownTexts) {
     for (const char* text : {"", "f13", "f0", "ab", "  ", " a", "a ", "return", "enter", "tab", "space", "escape",
-                             "delete", "home", "!", "\r", "\r\n", "\xC3\xA9", "\xC4\xB0" /* İ */}) {
+                             "delete", "page_up", "!", "\r", "\r\n", "\xC3\xA9", "\xC4\xB0" /* İ */}) {
         EXPECT_EQ(keyCharToKeyCode(text), std::nullopt) << '"' << text << '"';
     }
     EXPECT_EQ(keyCharToKeyCode(std::string_view("a\0", 2)), std::nullopt);
 }
 
 TEST(CharToKeyCode, UntypeableCharacters) {
-    for (const char* c : {"\b", "\x1b", "\r", "\r\n", "\xC3\xA9" /* é */, "e\xCC\x81" /* e + acute */,
-                          "a\xCC\x81", "b\xCC\x81", "Z\xCC\xA7", "1\xEF\xB8\x8F\xE2\x83\xA3" /* keycap 1 */,
-                          "\xC3\x9F" /* ß */, "\xE2\x84\xAA" /* Kelvin sign */, "\xCD\xBE" /* Greek question mark */,
-                          "\xE1\xBF\xAF" /* Greek varia */, "\xF0\x9F\x91\x8D\xF0\x9F\x8F\xBD" /* emoji + tone */,
-                          "\xF0\x9F\x87\xAB\xF0\x9F\x87\xB7" /* flag */, "\xE2\x82\xAC" /* € */, "", "ab", "\x7F"}) {
+    for (const char* c : {"\b",
+                          "\x1b",
+                          "\r",
+                          "\r\n",
+                          "\xC3\xA9" /* é */,
+                          "e\xCC\x81" /* e + acute */,
+                          "a\xCC\x81",
+                          "b\xCC\x81",
+                          "Z\xCC\xA7",
+                          "1\xEF\xB8\x8F\xE2\x83\xA3" /* keycap 1 */,
+                          "\xC3\x9F" /* ß */,
+                          "\xE2\x84\xAA" /* Kelvin sign */,
+                          "\xCD\xBE" /* Greek question mark */,
+                          "\xE1\xBF\xAF" /* Greek varia */,
+                          "\xF0\x9F\x91\x8D\xF0\x9F\x8F\xBD" /* emoji + tone */,
+                          "\xF0\x9F\x87\xAB\xF0\x9F\x87\xB7" /* flag */,
+                          "\xE2\x82\xAC" /* € */,
+                          "",
+                          "ab",
+                          "\x7F"}) {
         EXPECT_EQ(charToKeyCode(c), std::nullopt) << '"' << c << '"';
     }
 }

@@ -1,5 +1,7 @@
 // Single key presses into an application and global chords, through the
 // exports: the exact events, flags and markers, and every failure.
+#include <tuple>
+
 #include "keyboard_support.h"
 
 namespace zeblo::testing {
@@ -38,18 +40,26 @@ TEST_F(SendTest, ModifierBitsMapToFlags) {
     load(desktop());
     // Flags are always set: 0 gives an explicit 0, never "unset".
     const std::pair<std::int32_t, std::uint64_t> cases[] = {
-        {0, 0},           {1, kShift},  {2, kControl}, {4, kOption}, {8, kCommand}, {9, kShift | kCommand},
-        {16, 0},          {-1, kShift | kControl | kOption | kCommand}, {0x7FFFFFF0, 0},
+        {0, 0},          {1, kShift},
+        {2, kControl},   {4, kOption},
+        {8, kCommand},   {9, kShift | kCommand},
+        {16, 0},         {-1, kShift | kControl | kOption | kCommand},
+        {0x7FFFFFF0, 0},
     };
     for (const auto& [modifiers, flags] : cases) {
         clearTrace();
         EXPECT_TRUE(done(zeblo_send_keystroke("", "F5", modifiers)));
         EXPECT_EQ(asArray(traceOf("key")), asArray(press(96, flags))) << modifiers;
     }
-    // An upper-case key text adds no Shift.
-    clearTrace();
-    EXPECT_TRUE(done(zeblo_send_keystroke(nullptr, "A", 0)));
-    EXPECT_EQ(asArray(traceOf("key")), asArray(press(0, 0)));
+    // An upper-case key text adds no Shift; a shifted symbol is its key with
+    // Shift, whatever else is held.
+    const std::tuple<const char*, std::int32_t, std::vector<Json>> keys[] = {
+        {"A", 0, press(0, 0)}, {"+", 8, press(24, kShift | kCommand)}, {"?", 1, press(44, kShift)}};
+    for (const auto& [key, modifiers, want] : keys) {
+        clearTrace();
+        EXPECT_TRUE(done(zeblo_send_keystroke(nullptr, key, modifiers)));
+        EXPECT_EQ(asArray(traceOf("key")), asArray(want)) << key;
+    }
 }
 
 TEST_F(SendTest, FindsTheApplicationByExactName) {
@@ -83,13 +93,13 @@ TEST_F(SendTest, ApplicationErrors) {
 
 TEST_F(SendTest, InvalidKeyIsReportedBeforeTheApplication) {
     load(desktop());
-    EXPECT_FALSE(done(zeblo_send_keystroke("No Such App", "!", 0)));
+    EXPECT_FALSE(done(zeblo_send_keystroke("No Such App", "Page_Up", 0)));
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", "RETURN", 0)));
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", nullptr, 0)));
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", "%s%n", 0)));
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", "\xFF", 0)));
     EXPECT_EQ(logs(), (std::vector<std::string>{
-                          "zeblo_send_keystroke error: Invalid key character: !",
+                          "zeblo_send_keystroke error: Invalid key character: Page_Up",
                           "zeblo_send_keystroke error: Invalid key character: RETURN",
                           "zeblo_send_keystroke error: Invalid key character: ",
                           "zeblo_send_keystroke error: Invalid key character: %s%n",
@@ -103,12 +113,13 @@ TEST_F(SendTest, EventCreationFailures) {
     load(desktop(R"(, "failures": {"keyboardEvents": [1, 3]})"));
     // The first event fails: the application was activated, nothing posted.
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", "a", 0)));
-    EXPECT_EQ(asArray(trace()), asArray({activate(2), sleep(0.05), log("zeblo_send_keystroke error: Failed to create key down event")}));
+    EXPECT_EQ(asArray(trace()),
+              asArray({activate(2), sleep(0.05), log("zeblo_send_keystroke error: Failed to create key down event")}));
     // The second succeeds, the third fails: the key-down stays posted.
     clearTrace();
     EXPECT_FALSE(done(zeblo_send_keystroke("Notes", "a", 2)));
     EXPECT_EQ(asArray(trace()), asArray({activate(2), sleep(0.05), key(0, true, kControl),
-                                          log("zeblo_send_keystroke error: Failed to create key up event")}));
+                                         log("zeblo_send_keystroke error: Failed to create key up event")}));
 }
 
 TEST_F(SendTest, GlobalChordDownInOrderUpInReverse) {
@@ -116,7 +127,7 @@ TEST_F(SendTest, GlobalChordDownInOrderUpInReverse) {
     const std::uint16_t codes[] = {55, 9};
     EXPECT_TRUE(done(zeblo_send_global_keystroke(codes, 2, 0x100000)));
     EXPECT_EQ(asArray(trace()), asArray({key(55, true, kCommand, kMarker), key(9, true, kCommand, kMarker),
-                                          key(9, false, kCommand, kMarker), key(55, false, kCommand, kMarker)}));
+                                         key(9, false, kCommand, kMarker), key(55, false, kCommand, kMarker)}));
 
     clearTrace();
     const std::uint16_t three[] = {1, 2, 1, 65535};
@@ -166,8 +177,9 @@ TEST_F(SendTest, GlobalFailures) {
     desk().setFailingKeyboardEvents({2});
     clearTrace();
     EXPECT_FALSE(done(zeblo_send_global_keystroke(codes, 3, kShift)));
-    EXPECT_EQ(asArray(trace()), asArray({key(55, true, kShift, kMarker),
-                                          log("zeblo_send_global_keystroke error: Failed to create key down event for keycode 9")}));
+    EXPECT_EQ(asArray(trace()),
+              asArray({key(55, true, kShift, kMarker),
+                       log("zeblo_send_global_keystroke error: Failed to create key down event for keycode 9")}));
 
     // The fifth creation is the key-up of the middle code.
     desk().resetEventCount();
