@@ -55,10 +55,9 @@ TEST_F(SimTest, LiveHandlesCountEveryReferenceIncludingArrayEntries) {
     EXPECT_EQ(desk->endRecord()["end"]["liveHandles"], 0);
 }
 
-TEST_F(SimTest, HungElementsWaitAndFailEveryCallYetActOnWritesAndActions) {
+TEST_F(SimTest, HungElementsWaitAndFailEveryCallYetTakeActions) {
     load(R"({"apps": [{"pid": 1, "hung": 0.5, "element": {"attrs": {"AXChildren": [{"id": "b", "hung": 2,
-        "actions": {"AXPress": 0}, "onPress": "toggle", "settable": ["AXValue"]}]}}},
-      {"pid": 2, "element": {"id": "held", "holdsReply": 1, "attrs": {"AXTitle": "t"}, "settable": ["AXTitle"]}}]})");
+        "actions": {"AXPress": 0}, "onPress": "toggle", "settable": ["AXValue"]}]}}}]})");
     EXPECT_EQ(read(app(1), "AXChildren").code, kAXErrorCannotComplete);  // the application's time
     const Element b = desk->elementOf(desk->node("b"));                  // its own time wins
     EXPECT_EQ(desk->copyAttributeNames(b).code, kAXErrorCannotComplete);
@@ -67,14 +66,7 @@ TEST_F(SimTest, HungElementsWaitAndFailEveryCallYetActOnWritesAndActions) {
     EXPECT_EQ(desk->performAction(b, "AXPress"), kAXErrorCannotComplete);
     EXPECT_EQ(std::get<std::int64_t>(*desk->node("b")->findAttr("AXValue")), 1);  // pressed all the same
     EXPECT_EQ(desk->clock(), 8.5);
-    const Element held = app(2);  // answers reads at once, holds the reply to a write
-    EXPECT_EQ(asString(read(held, "AXTitle")).value, "t");
-    EXPECT_EQ(desk->setAttributeValue(held, "AXTitle", std::string("u")), kAXErrorCannotComplete);
-    EXPECT_EQ(asString(read(held, "AXTitle")).value, "u");
-    EXPECT_EQ(desk->clock(), 9.5);
     EXPECT_EQ(desk->trace().front(), Json::parse(R"({"unanswered": 0.5, "element": null})"));
-    EXPECT_EQ(desk->trace().back(),
-              Json::parse(R"({"set": "AXTitle", "element": "held", "value": "u", "result": -25204})"));
 }
 
 TEST(PlatformInstall, ReplacedBackendsStayAlive) {
