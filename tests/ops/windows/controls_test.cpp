@@ -114,7 +114,7 @@ TEST_F(Controls, DepthLimitIs49) {
     EXPECT_FALSE(done(zeblo_click_button("Notes", "", "save")));
     EXPECT_EQ(take(zeblo_get_window_buttons("Notes", "")), "[]");
     EXPECT_EQ(logCount("collectElements: Hit max recursion depth"), 1u);
-    EXPECT_EQ(takeJson(zeblo_get_window_text("Notes", "")), Json::parse(R"(["[AXWindow Title] Deep"])"));
+    EXPECT_EQ(takeJson(zeblo_get_window_text("Notes", "")), nlohmann::json::parse(R"(["[AXWindow Title] Deep"])"));
 }
 
 TEST_F(Controls, ChildrenThatLeadBackUpAreNotEntered) {
