@@ -109,7 +109,9 @@
 ** gets no reply before the platform's timeout fails with
 ** kAXErrorCannotComplete (-25204), as macOS reports a busy application.  A
 ** READ without a reply fails like any other read: the function gives the
-** answer its block names for an element or attribute that cannot be read.
+** answer its block names for an element or attribute that cannot be read
+** (but zeblo_wait_for_window and zeblo_close_window do not take a window
+** they could not look up this way for gone).
 ** An ACTION (a press, a pick) or a written value without a reply has been
 ** delivered and is running (a button or menu item that opens a modal dialog
 ** holds its reply until the dialog closes): it counts as performed, and is
