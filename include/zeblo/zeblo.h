@@ -117,9 +117,10 @@
 ** checkbox toggle) or a written value that runs out was delivered and is
 ** still running (an action that opens a modal dialog answers only when the
 ** dialog closes): it counts as performed, and no second action is sent in
-** its place.  Calls
-** about other applications do not wait on one that has stopped answering:
-** it stays in the list of running applications (see PLATFORMS).
+** its place.  zeblo_wait_for_window and zeblo_close_window do not take a
+** window they could not look up for want of an answer for a window gone.
+** Calls about other applications do not wait on one that has stopped
+** answering: it stays in the list of running applications (see PLATFORMS).
 **
 ** Element trees that loop.  A faulty application may list an element among
 ** the children of its own descendant.  Every walk over an application's

@@ -14,14 +14,16 @@
 #include <vector>
 
 #include "core/unicode.h"
-#include "fuzz/forwarding_platform.h"
 #include "fuzz/random_desktop.h"
 #include "fuzz/result_shapes.h"
 #include "platform/platform.h"
+#include "support/forwarding_platform.h"
 #include "zeblo/zeblo.h"
 
 namespace zeblo::fuzz {
 namespace {
+
+using testing::ForwardingPlatform;
 
 constexpr int kMaxCalls = 12;
 
@@ -329,7 +331,7 @@ void oneCall(FuzzedDataProvider& in, Checker& c) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zeblo::fuzz;
     FuzzedDataProvider in(data, size);
-    ForwardingPlatform& p = forwarder();
+    zeblo::testing::ForwardingPlatform& p = forwarder();
     std::shared_ptr<zeblo::sim::SimDesktop> desk = randomDesktop(in);
     const bool illFormed = lastDesktopHasIllFormedText();
     p.setTarget(desk);

@@ -96,9 +96,7 @@ public:
         return randomName(in_);
     }
 
-    // A child list of the wrong kind, or with null entries only. Never other
-    // nodes: child lists form trees, as on a real desktop (the menu snapshot
-    // descends without a depth limit, so a cycle would never end).
+    // A child list of the wrong kind, or with null entries only.
     sim::Attr malformedChildren() {
         switch (in_.ConsumeIntegralInRange(0, 5)) {
             case 0: return sim::Null{};
@@ -129,15 +127,22 @@ public:
         if (in_.ConsumeIntegralInRange(0, 5) == 0) n->setResult = code(in_);
         n->onPress = static_cast<sim::OnPress>(in_.ConsumeIntegralInRange(0, 2));
         n->dead = in_.ConsumeIntegralInRange(0, 30) == 0;
+        if (in_.ConsumeIntegralInRange(0, 30) == 0) n->hungMicros = hungTime();
+        if (in_.ConsumeIntegralInRange(0, 15) == 0) n->holdsReplyMicros = hungTime();
     }
+
+    std::int64_t hungTime() { return in_.ConsumeIntegralInRange<std::int64_t>(1, 1'000'000); }
 
     // One tree of up to `budget` nodes, built without recursion. Each new node
     // hangs below the previous one (deep) or below a random earlier one (wide).
+    // Now and then a child list leads back to the node or one of its
+    // ancestors, as a faulty application's can.
     sim::Node* tree(int budget) {
         struct Entry {
             sim::Node* node;
             int depth;
             std::vector<sim::Node*> children;
+            std::size_t parent = 0;
         };
         std::vector<Entry> made;
         const int count = in_.ConsumeIntegralInRange(1, std::max(1, budget));
@@ -157,8 +162,13 @@ public:
                 }
                 if (made[parent].depth < kMaxDepth && made[parent].children.size() < kMaxChildren) {
                     if (in_.ConsumeIntegralInRange(0, 15) == 0) made[parent].children.push_back(nullptr);
+                    if (in_.ConsumeIntegralInRange(0, 15) == 0) {
+                        std::size_t up = parent;
+                        for (int k = in_.ConsumeIntegralInRange(0, 3); k > 0 && up != 0; --k) up = made[up].parent;
+                        made[parent].children.push_back(made[up].node);
+                    }
                     made[parent].children.push_back(n);
-                    made.push_back({n, made[parent].depth + 1, {}});
+                    made.push_back({n, made[parent].depth + 1, {}, parent});
                     continue;
                 }
             }
@@ -182,6 +192,7 @@ public:
         a.hidden = in_.ConsumeIntegralInRange(0, 5) == 0;
         a.policy = in_.ConsumeIntegralInRange(0, 7) == 0 ? in_.ConsumeIntegralInRange(-1, 3) : 0;
         a.activate = in_.ConsumeIntegralInRange(0, 5) != 0;
+        if (in_.ConsumeIntegralInRange(0, 9) == 0) a.hungMicros = hungTime();
         a.element = desk_.newNode();
         nodes_.push_back(a.element);
         if (in_.ConsumeIntegralInRange(0, 9) == 0) decorate(a.element);
@@ -254,15 +265,20 @@ std::shared_ptr<sim::SimDesktop> randomDesktop(FuzzedDataProvider& in) {
         for (int n = in.ConsumeIntegralInRange(1, 3); n > 0; --n) failing.insert(in.ConsumeIntegralInRange(1, 12));
         desk->setFailingKeyboardEvents(std::move(failing));
     }
-    // A few changes while the library waits: the front moves, an application quits.
+    // A few changes while the library waits: the front moves, an application
+    // quits, stops answering or answers again.
     for (int n = in.ConsumeIntegralInRange(0, 2); n > 0; --n) {
         sim::TimelineChange change;
         change.atMicros = in.ConsumeIntegralInRange<std::int64_t>(1, 1'000'000);
         const std::int32_t pid = pids.empty() || in.ConsumeIntegralInRange(0, 3) == 0
                                      ? in.ConsumeIntegral<std::int32_t>()
                                      : pids[in.ConsumeIntegralInRange<std::size_t>(0, pids.size() - 1)];
-        change.change = in.ConsumeBool() ? nlohmann::ordered_json{{"frontmost", pid}}
-                                         : nlohmann::ordered_json{{"removeApp", pid}};
+        switch (in.ConsumeIntegralInRange(0, 3)) {
+            case 0: change.change = {{"frontmost", pid}}; break;
+            case 1: change.change = {{"removeApp", pid}}; break;
+            case 2: change.change = {{"hangApp", {{"pid", pid}, {"seconds", 0.5}}}}; break;
+            default: change.change = {{"resumeApp", pid}}; break;
+        }
         try {
             desk->addTimelineChange(std::move(change));
         } catch (const sim::DesktopFormatError&) {

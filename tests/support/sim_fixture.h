@@ -24,6 +24,7 @@ protected:
     void TearDown() override;
 
     sim::SimDesktop& desk() { return *desk_; }
+    const std::shared_ptr<sim::SimDesktop>& sharedDesk() const { return desk_; }
 
     // Takes a string result: copies it, frees it with zeblo_free_string, and
     // checks that the call left no live handle.

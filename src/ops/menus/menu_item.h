@@ -48,8 +48,11 @@ public:
 
     // Reads the item behind `element` and, below it, its whole submenu tree.
     // Never fails: an attribute that cannot be read takes its default. Logs one
-    // line for each attribute whose name mentions "command" or "action".
-    MenuItem(const platform::Element& element, std::int32_t pid, std::vector<std::string> path);
+    // line for each attribute whose name mentions "command" or "action". An
+    // entry of a submenu that is the same element as `listedUnder` (the menu
+    // bar), the item or one of its ancestors leads back up and is left out.
+    MenuItem(const platform::Element& element, std::int32_t pid, std::vector<std::string> path,
+             const platform::Element& listedUnder = platform::Element());
 
     MenuItem(const MenuItem& other);
     MenuItem(MenuItem&& other) noexcept = default;

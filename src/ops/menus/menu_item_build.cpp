@@ -3,9 +3,11 @@
 // Each item is read in a fixed order (title, enabled, mark, key equivalent,
 // modifiers, attribute names, children) and its submenu is built before the
 // next sibling is read: a pre-order walk, kept on an explicit stack so that
-// the machine stack does not grow with the depth of the menu tree. An
-// element's handle is released as soon as its item has been read; what stays
-// alive is the list of not-yet-read siblings at each open level.
+// the machine stack does not grow with the depth of the menu tree. What stays
+// alive is, at each open level, the item's element (with the container looked
+// through, if any) and the list of its not-yet-read children; a child that is
+// one of the open levels' elements leads back up and is left out, so a tree
+// that loops back is read as if the looping entry were not there.
 #include <string_view>
 
 #include "core/unicode.h"
@@ -71,24 +73,32 @@ void logAttributeDiagnostics(Platform& p, const Element& element, const std::str
 
 // The elements the item's child records are built from; empty when the item
 // has no children. A single untitled child is the container layer between an
-// item and its submenu's items: its own children are taken instead, unless
-// they cannot be read, in which case the container is listed itself.
-std::vector<Element> childElements(Platform& p, const Element& element) {
+// item and its submenu's items: its own children are taken instead (and the
+// container joins `inside`), unless they cannot be read, in which case the
+// container is listed itself. Entries that are elements of `inside` are left
+// out first.
+std::vector<Element> childElements(Platform& p, const Element& element, std::vector<Element>& inside) {
     auto list = menus::elementList(p.copyAttributeValue(element, "AXChildren"));
-    if (!list || list->empty()) return {};
+    if (!list) return {};
+    menus::leaveOutLoops(*list, inside);
     if (list->size() == 1) {
         const Element& only = list->front();
         const std::string title = menus::textValue(p.copyAttributeValue(only, "AXTitle")).value_or("");
         if (menus::isContainerTitle(title)) {
             auto inner = platform::asElementArray(p.copyAttributeValue(only, "AXChildren"));
-            if (inner.ok()) return std::move(inner.value);
+            if (inner.ok()) {
+                inside.push_back(only);
+                menus::leaveOutLoops(inner.value, inside);
+                return std::move(inner.value);
+            }
         }
     }
     return std::move(*list);
 }
 
-// Reads one item's own fields into `item` and returns its child elements.
-std::vector<Element> readItem(Platform& p, const Element& element, MenuItem& item) {
+// Reads one item's own fields into `item` and returns its child elements;
+// `inside` holds the element and what the walk is inside.
+std::vector<Element> readItem(Platform& p, const Element& element, MenuItem& item, std::vector<Element>& inside) {
     item.title = menus::textValue(p.copyAttributeValue(element, "AXTitle")).value_or(MenuItem::kNoTitle);
 
     const auto enabled = platform::asBool(p.copyAttributeValue(element, "AXEnabled"));
@@ -104,34 +114,49 @@ std::vector<Element> readItem(Platform& p, const Element& element, MenuItem& ite
     if (modifiers.ok()) item.cmdModifiers = modifiers.value;
 
     logAttributeDiagnostics(p, element, item.title);
-    return childElements(p, element);
+    return childElements(p, element, inside);
 }
 
 }  // namespace
 
-MenuItem::MenuItem(const platform::Element& element, std::int32_t pid_, std::vector<std::string> path_)
+MenuItem::MenuItem(const platform::Element& element, std::int32_t pid_, std::vector<std::string> path_,
+                   const platform::Element& listedUnder)
     : path(std::move(path_)), pid(pid_) {
     Platform& p = platform::current();
 
-    // One frame per open submenu: the record whose children are being built
-    // and the elements still to read.
+    // The elements the walk is inside, outermost first: `listedUnder`, then
+    // for each open submenu its item and the container looked through.
+    std::vector<Element> inside;
+    if (listedUnder) inside.push_back(listedUnder);
+
+    // One frame per open submenu: the record whose children are being built,
+    // the elements still to read, and where its entries of `inside` start.
     struct Frame {
         MenuItem* parent;
         std::vector<Element> elements;
         std::size_t next = 0;
+        std::size_t insideFrom = 0;
     };
     std::vector<Frame> open;
-    auto openSubmenu = [&](MenuItem& item, std::vector<Element> elements) {
-        if (elements.empty()) return;
+    // Reads `item` from `e` and opens its submenu, if it has one.
+    auto visit = [&](const Element& e, MenuItem& item) {
+        const std::size_t from = inside.size();
+        inside.push_back(e);
+        std::vector<Element> elements = readItem(p, e, item, inside);
+        if (elements.empty()) {
+            inside.resize(from);
+            return;
+        }
         item.children.emplace();
         item.children->reserve(elements.size());  // keeps `parent` pointers valid
-        open.push_back({&item, std::move(elements)});
+        open.push_back({&item, std::move(elements), 0, from});
     };
 
-    openSubmenu(*this, readItem(p, element, *this));
+    visit(element, *this);
     while (!open.empty()) {
         Frame& top = open.back();
         if (top.next == top.elements.size()) {
+            inside.resize(top.insideFrom);
             open.pop_back();
             continue;
         }
@@ -142,7 +167,7 @@ MenuItem::MenuItem(const platform::Element& element, std::int32_t pid_, std::vec
         child.path.reserve(parent.path.size() + 1);
         child.path = parent.path;
         child.path.push_back(parent.title);
-        openSubmenu(child, readItem(p, childElement, child));  // may push: `top` is not used afterwards
+        visit(childElement, child);  // may push: `top` is not used afterwards
     }
 }
 

@@ -53,7 +53,6 @@ std::string MenuOps::getAppMenusJSON(const std::string& appName) {
     const std::string name = !appName.empty() ? appName : target.localizedName.value_or("Unknown");
 
     auto items = menus::elementList(p.copyAttributeValue(target.menuBar, "AXChildren"));
-    target.menuBar = Element{};
     if (!items) {
         std::string out = "{\"app\": \"";
         json::appendEscaped(out, name);
@@ -61,12 +60,14 @@ std::string MenuOps::getAppMenusJSON(const std::string& appName) {
         return out;
     }
 
+    menus::leaveOutLoops(*items, {target.menuBar});
     std::vector<MenuItem> menus;
     menus.reserve(items->size());
     for (Element& item : *items) {
-        menus.emplace_back(item, target.pid, std::vector<std::string>{});
+        menus.emplace_back(item, target.pid, std::vector<std::string>{}, target.menuBar);
         item = Element{};
     }
+    target.menuBar = Element{};
 
     json::Writer writer(json::Layout::pretty);
     writer.reserve(estimatedTextSize(menus));

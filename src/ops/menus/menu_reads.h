@@ -2,6 +2,7 @@
 // where only whether a value came back counts and the result code does not.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
@@ -28,6 +29,17 @@ inline std::optional<std::vector<platform::Element>> elementList(platform::Attri
         return std::vector<platform::Element>{};
     }
     return std::nullopt;
+}
+
+// Leaves out of `list` every entry that is the same element as one of
+// `inside` (the elements a walk is in): such an entry leads back up, and
+// entering it would make the walk go round forever.
+inline void leaveOutLoops(std::vector<platform::Element>& list, const std::vector<platform::Element>& inside) {
+    platform::Platform& p = platform::current();
+    std::erase_if(list, [&](const platform::Element& entry) {
+        return std::any_of(inside.begin(), inside.end(),
+                           [&](const platform::Element& above) { return p.sameElement(entry, above); });
+    });
 }
 
 // Whether a title marks the untitled layer that stands between an item and

@@ -1,6 +1,7 @@
 // The bounded depth-first walks that find a control by role and title and
 // collect the titles of all controls of a role. Depth is bounded by
-// kMaxDepth, so the walks recurse on the machine stack at most 50 levels.
+// kMaxDepth, so the walks recurse on the machine stack at most 50 levels; a
+// child that leads back to an element the walk is inside is not entered.
 #include "ops/windows/element_search.h"
 
 #include "ops/lookup.h"
@@ -31,25 +32,39 @@ std::vector<Element> childrenOf(const Element& element) {
     return std::move(read.value);
 }
 
+bool leadsBack(const Element& child, const Trail& inside) {
+    platform::Platform& p = platform::current();
+    for (const Element& above : inside) {
+        if (p.sameElement(child, above)) return true;
+    }
+    return false;
+}
+
 }  // namespace windows
 
-Element WindowOps::findElement(const Element& in, std::string_view role, std::string_view name, int depth) {
-    if (depth > kMaxDepth) return {};
+Element WindowOps::findElement(const Element& in, std::string_view role, std::string_view name,
+                               windows::Trail& inside) {
+    if (inside.size() > kMaxDepth) return {};
     if (windows::roleOf(in) == role) {
         auto title = platform::asString(platform::current().copyAttributeValue(in, "AXTitle"));
         if (title.ok() && lookup::softMatch(title.value, name)) return in;
     }
-    for (const Element& child : windows::childrenOf(in)) {
-        if (!child) continue;
-        if (Element found = findElement(child, role, name, depth + 1)) return found;
+    const std::vector<Element> children = windows::childrenOf(in);
+    Element found;
+    inside.push_back(in);
+    for (const Element& child : children) {
+        if (!child || windows::leadsBack(child, inside)) continue;
+        found = findElement(child, role, name, inside);
+        if (found) break;
     }
-    return {};
+    inside.pop_back();
+    return found;
 }
 
 void WindowOps::collectElements(const Element& in, std::string_view role, std::vector<std::string>& into,
-                                int depth) {
+                                windows::Trail& inside) {
     platform::Platform& p = platform::current();
-    if (depth > kMaxDepth) {
+    if (inside.size() > kMaxDepth) {
         p.log("collectElements: Hit max recursion depth");
         return;
     }
@@ -64,9 +79,12 @@ void WindowOps::collectElements(const Element& in, std::string_view role, std::v
             into.push_back(std::move(title));
         }
     }
-    for (const Element& child : windows::childrenOf(in)) {
-        if (child) collectElements(child, role, into, depth + 1);
+    const std::vector<Element> children = windows::childrenOf(in);
+    inside.push_back(in);
+    for (const Element& child : children) {
+        if (child && !windows::leadsBack(child, inside)) collectElements(child, role, into, inside);
     }
+    inside.pop_back();
 }
 
 std::vector<std::string> WindowOps::getAllButtons(const Element& window) {
@@ -74,7 +92,8 @@ std::vector<std::string> WindowOps::getAllButtons(const Element& window) {
     p.log("getAllButtons: Starting collection");
     std::vector<std::string> buttons;
     p.log("getAllButtons: Calling collectElements");
-    collectElements(window, "AXButton", buttons, 0);
+    windows::Trail inside;
+    collectElements(window, "AXButton", buttons, inside);
     p.log("getAllButtons: Collection complete, found " + std::to_string(buttons.size()) + " buttons");
     return buttons;
 }

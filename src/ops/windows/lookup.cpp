@@ -83,7 +83,8 @@ Element WindowOps::findWindow(const std::string& appName, const std::string& win
 
 Element WindowOps::findControl(const std::string& appName, const std::string& windowName, std::string_view role,
                                const std::string& name, WindowError (*missing)(std::string)) {
-    Element control = findElement(findWindow(appName, windowName), role, name, 0);
+    windows::Trail inside;
+    Element control = findElement(findWindow(appName, windowName), role, name, inside);
     if (!control) throw missing(name);
     return control;
 }

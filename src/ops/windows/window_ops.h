@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ops/windows/element_search.h"
 #include "ops/windows/window_error.h"
 #include "platform/platform.h"
 
@@ -30,20 +31,23 @@ public:
     static constexpr std::size_t kMaxResults = 1'000;       // collected titles and text lines
 
     // --- Tree walks (never throw on unreadable attributes) -----------------
+    // Each walk is given the elements it is inside (`inside`, empty at the
+    // window, restored on return): a child that is one of them is not
+    // entered, so a tree that loops back ends like any other.
 
     // The first element in pre-order, at most kMaxDepth levels down, whose
     // role is `role` exactly and whose title matches `name` loosely; null when
     // there is none.
-    static platform::Element findElement(const platform::Element& in, std::string_view role,
-                                         std::string_view name, int depth);
+    static platform::Element findElement(const platform::Element& in, std::string_view role, std::string_view name,
+                                         windows::Trail& inside);
     // Appends the non-empty titles of the elements of role `role`, in
     // pre-order, until `into` holds kMaxResults entries.
-    static void collectElements(const platform::Element& in, std::string_view role,
-                                std::vector<std::string>& into, int depth);
+    static void collectElements(const platform::Element& in, std::string_view role, std::vector<std::string>& into,
+                                windows::Trail& inside);
     // The titles of all titled buttons under `window`.
     static std::vector<std::string> getAllButtons(const platform::Element& window);
     // Appends the labelled text lines of `from` and its descendants.
-    static void collectText(const platform::Element& from, TextLines& into, int depth);
+    static void collectText(const platform::Element& from, TextLines& into, windows::Trail& inside);
     // The non-empty titles of a menu's items.
     static std::vector<std::string> getMenuItems(const platform::Element& menu);
 

@@ -7,8 +7,8 @@ namespace zeblo {
 
 using platform::Element;
 
-void WindowOps::collectText(const Element& from, TextLines& into, int depth) {
-    if (depth > kMaxDepth || into.size() > kMaxResults - 1) return;
+void WindowOps::collectText(const Element& from, TextLines& into, windows::Trail& inside) {
+    if (inside.size() > kMaxDepth || into.size() > kMaxResults - 1) return;
 
     const std::string role = windows::roleOf(from).value_or("Unknown");
     // Values are always shown; a title or description is left out when any
@@ -21,9 +21,12 @@ void WindowOps::collectText(const Element& from, TextLines& into, int depth) {
     if (!description.empty() && !into.anyContains(description))
         into.append("[" + role + " Description] " + description);
 
-    for (const Element& child : windows::childrenOf(from)) {
-        if (child) collectText(child, into, depth + 1);
+    const std::vector<Element> children = windows::childrenOf(from);
+    inside.push_back(from);
+    for (const Element& child : children) {
+        if (child && !windows::leadsBack(child, inside)) collectText(child, into, inside);
     }
+    inside.pop_back();
 }
 
 std::vector<std::string> WindowOps::getMenuItems(const Element& menu) {
@@ -38,7 +41,8 @@ std::vector<std::string> WindowOps::getMenuItems(const Element& menu) {
 
 std::vector<std::string> WindowOps::getWindowText(const std::string& appName, const std::string& windowName) {
     TextLines lines;
-    collectText(findWindow(appName, windowName), lines, 0);
+    windows::Trail inside;
+    collectText(findWindow(appName, windowName), lines, inside);
     return lines.take();
 }
 

@@ -21,7 +21,7 @@ protected:
     // Loads a desktop and installs a recorder of frontmost queries over it.
     void loadWatched(const std::string& desktopJson) {
         load(desktopJson);
-        recorder_ = std::make_shared<ProbeRecorder>(desk());
+        recorder_ = std::make_shared<ProbeRecorder>(sharedDesk());
         platform::install(recorder_);
     }
     const std::vector<double>& probes() const { return recorder_->probes(); }

@@ -76,6 +76,32 @@ TEST_F(MenuSnapshotTest, DefaultsContainersAndPaths) {
     EXPECT_TRUE(logs().empty());
 }
 
+TEST_F(MenuSnapshotTest, EntriesThatLeadBackUpAreLeftOut) {
+    // Each mark is an entry naming the menu bar, the item itself, a container
+    // or an ancestor; without them the tree is finite (Save is shared).
+    const std::vector<std::pair<std::string, std::string>> loops = {
+        {"@1", R"({"ref": "bar"},)"},  {"@2", R"({"ref": "box"},)"}, {"@3", R"(, {"ref": "file"})"},
+        {"@4", R"({"ref": "self"},)"}, {"@5", R"({"ref": "lone"})"}, {"@6", R"(, {"ref": "bar"})"}};
+    auto desktop = [&](bool looping) {
+        std::string text = R"J({"apps": [{"name": "Ed", "pid": 1, "element": {"attrs": {"AXMenuBar": {"id": "bar",
+          "attrs": {"AXChildren": [
+            {"id": "file", "attrs": {"AXTitle": "File", "AXChildren": [@1 {"id": "box", "attrs": {"AXTitle": "",
+              "AXChildren": [{"id": "save", "attrs": {"AXTitle": "Save"}}, @2
+                {"attrs": {"AXTitle": "Recent", "AXChildren": [{"attrs": {"AXTitle": "Doc"}} @3]}}]}}]}},
+            {"id": "self", "attrs": {"AXTitle": "Self", "AXChildren": [@4 {"ref": "save"},
+              {"id": "lone", "attrs": {"AXTitle": "Lone", "AXChildren": [@5]}}]}} @6]}}}}}]})J";
+        for (const auto& [mark, entry] : loops) text.replace(text.find(mark), mark.size(), looping ? entry : "");
+        return text;
+    };
+    load(desktop(false));
+    const json finite = takeJson(zeblo_get_app_menus("Ed"));
+    ASSERT_EQ(finite["menus"].size(), 2u);
+    EXPECT_EQ(finite["menus"][1]["children"][0]["title"], "Save");
+    EXPECT_EQ(finite["menus"][0]["children"][1]["children"][0]["path"], json::parse(R"(["File", "Recent"])"));
+    load(desktop(true));
+    EXPECT_EQ(takeJson(zeblo_get_app_menus("Ed")), finite);
+}
+
 // Every object's keys, in the order written, for every object of a parsed tree.
 void collectKeyOrders(const ordered_json& value, std::vector<std::vector<std::string>>& out) {
     if (value.is_object()) {

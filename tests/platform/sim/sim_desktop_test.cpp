@@ -55,6 +55,20 @@ TEST_F(SimTest, LiveHandlesCountEveryReferenceIncludingArrayEntries) {
     EXPECT_EQ(desk->endRecord()["end"]["liveHandles"], 0);
 }
 
+TEST_F(SimTest, HungElementsWaitAndFailEveryCallYetTakeActions) {
+    load(R"({"apps": [{"pid": 1, "hung": 0.5, "element": {"attrs": {"AXChildren": [{"id": "b", "hung": 2,
+        "actions": {"AXPress": 0}, "onPress": "toggle", "settable": ["AXValue"]}]}}}]})");
+    EXPECT_EQ(read(app(1), "AXChildren").code, kAXErrorCannotComplete);  // the application's time
+    const Element b = desk->elementOf(desk->node("b"));                  // its own time wins
+    EXPECT_EQ(desk->copyAttributeNames(b).code, kAXErrorCannotComplete);
+    EXPECT_EQ(desk->copyActionNames(b).code, kAXErrorCannotComplete);
+    EXPECT_EQ(desk->isAttributeSettable(b, "AXValue").code, kAXErrorCannotComplete);
+    EXPECT_EQ(desk->performAction(b, "AXPress"), kAXErrorCannotComplete);
+    EXPECT_EQ(std::get<std::int64_t>(*desk->node("b")->findAttr("AXValue")), 1);  // pressed all the same
+    EXPECT_EQ(desk->clock(), 8.5);
+    EXPECT_EQ(desk->trace().front(), Json::parse(R"({"unanswered": 0.5, "element": null})"));
+}
+
 TEST(PlatformInstall, ReplacedBackendsStayAlive) {
     Platform& def = current();
 

@@ -1,17 +1,19 @@
 // A platform that passes every operation on to a replaceable simulated
-// desktop. The fuzzer installs it once and points it at a fresh desktop for
-// every input: installed backends are kept for the life of the process, so
-// installing one desktop per input would grow without bound.
+// desktop. Tests derive from it to watch an operation. The fuzzer installs it
+// once and points it at a fresh desktop for every input: installed backends
+// are kept for the life of the process, so installing one desktop per input
+// would grow without bound.
 #pragma once
 
 #include <memory>
 
 #include "platform/sim/sim_desktop.h"
 
-namespace zeblo::fuzz {
+namespace zeblo::testing {
 
-class ForwardingPlatform final : public platform::Platform {
+class ForwardingPlatform : public platform::Platform {
 public:
+    explicit ForwardingPlatform(std::shared_ptr<sim::SimDesktop> target = nullptr) : target_(std::move(target)) {}
     void setTarget(std::shared_ptr<sim::SimDesktop> target) { target_ = std::move(target); }
     sim::SimDesktop& target() { return *target_; }
 
@@ -73,12 +75,10 @@ public:
     // Handles are owned by the desktop that made them and go back to it
     // directly; these are here only to complete the interface.
     void retainHandle(platform::HandleKind kind, void* raw) noexcept override { target_->retainHandle(kind, raw); }
-    void releaseHandle(platform::HandleKind kind, void* raw) noexcept override {
-        target_->releaseHandle(kind, raw);
-    }
+    void releaseHandle(platform::HandleKind kind, void* raw) noexcept override { target_->releaseHandle(kind, raw); }
 
 private:
     std::shared_ptr<sim::SimDesktop> target_;
 };
 
-}  // namespace zeblo::fuzz
+}  // namespace zeblo::testing
