@@ -5,6 +5,7 @@
 #   lib/cmake/ZEBLOui/ZEBLOui*.cmake          find_package(ZEBLOui) -> ZEBLOui::ZEBLOui
 #   lib/pkgconfig/zeblo.pc                    pkg-config zeblo
 #   bin/zeblo                                 the command-line tool
+#   libexec/zeblo/zeblo-helper                the library's helper process (Linux)
 #
 # The library's dependencies (ICU, AT-SPI2, X11, nlohmann-json) stay private:
 # a consumer compiles against the C header alone and links the library alone.
@@ -20,6 +21,10 @@ install(TARGETS ZEBLOui EXPORT ZEBLOuiTargets
 install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zeblo" COMPONENT Development)
 install(TARGETS zeblo RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tool)
+if(TARGET zeblo-helper)
+  # Found by the library from its own directory (src/platform/linux/detach.h).
+  install(TARGETS zeblo-helper RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/zeblo" COMPONENT Runtime)
+endif()
 
 install(EXPORT ZEBLOuiTargets
   NAMESPACE ZEBLOui::

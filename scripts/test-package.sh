@@ -19,6 +19,10 @@ if find "$prefix" -name 'libzeblo_*.a' | grep -q .; then
   echo "the layer archives must not be installed" >&2
   exit 1
 fi
+if [ -e "$build_dir/zeblo-helper" ] && ! find "$prefix" -path '*/zeblo/zeblo-helper' -perm -u+x | grep -q .; then
+  echo "the library's helper executable is not installed" >&2
+  exit 1
+fi
 if grep -rqF --include='*.cmake' --include='*.pc' "$PWD" "$prefix"; then
   echo "the installed package names the source tree" >&2
   exit 1

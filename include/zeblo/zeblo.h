@@ -87,8 +87,9 @@
 ** thread and blocks it until the work, including any waiting, is finished:
 ** pauses and polls are sleeps on the calling thread, and a call to an
 ** application that does not answer blocks until the reply limit (below).  The
-** library starts no threads (on Linux it starts processes: the applications
-** it launches and the clipboard holder, see PLATFORMS).  Every call looks
+** library starts no threads (on Linux it starts processes, never by forking
+** the host: the applications it launches and the clipboard holder, see
+** PLATFORMS, Processes).  Every call looks
 ** the application, window and elements up afresh: no application, window,
 ** element or event is remembered from one call to the next, and every handle
 ** a call obtains is released before it returns.  What the library does keep:
@@ -324,22 +325,49 @@
 ** /usr/share/applications/NAME.desktop or
 ** /usr/local/share/applications/NAME.desktop (split at blanks, field codes
 ** such as %U dropped), else NAME itself, looked up in PATH, is started
-** detached (a session of its own, adopted by init, standard input, output and
-** error on /dev/null).  True when the program could be executed.
+** detached through the helper (see Processes: a session of its own, adopted
+** by init, standard input, output and error on /dev/null).  True when the
+** program could be executed (the call waits up to 2 s to know).
 **
-** Pasteboard (zeblo_paste_text).  The pasteboard is the CLIPBOARD selection,
-** and the save and restore cover ONLY TEXT: the save asks the selection's
-** owner for UTF8_STRING, then STRING (waiting up to 1 s for each), and every
-** other type is lost.  While pasting, this process owns CLIPBOARD with the
-** text (offered as UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT and
-** text/plain) and answers requests only during the call's pauses (0.01 s
-** before and 0.05 s after the Control-V): an application that asks later
-** gets nothing.  Afterwards the selection is given up; when text was saved,
-** a CLIPBOARD HOLDER is started: a detached process (as for launching, with
-** its own display connection) that owns CLIPBOARD with the saved text and
-** keeps serving it after the call returns, until another client takes the
+** Processes (zeblo_launch_app, zeblo_focus_app, zeblo_paste_text).  The
+** library never forks the host process: it starts its helper executable,
+** zeblo-helper, with posix_spawn (signals at their defaults and unblocked,
+** standard input, output and error on /dev/null, none of the host's
+** descriptors inherited).  The helper puts itself in a session of its own,
+** leaves a child that init adopts and ends; the call waits for that first
+** process (at most 1 s, then kills it), so nothing is left for the host to
+** wait for.  The child runs the launched program or is the clipboard holder.
+** The helper is, in this order: the path in the environment variable
+** ZEBLO_HELPER (read at the first launch or paste); zeblo-helper in the
+** library's own directory (the build tree); the installed
+** LIBEXECDIR/zeblo/zeblo-helper (libexec/zeblo/ beside lib/), found from the
+** library's directory, or from the program's when the library is linked
+** into the program.  Without it, launching fails and restored clipboard
+** contents are served only during this process's pauses.
+**
+** Pasteboard (zeblo_paste_text).  The pasteboard is the CLIPBOARD selection.
+** The save asks its owner for TARGETS, then for each target listed, and
+** keeps each one's bytes with its property type and format.  Each answer is
+** awaited up to 1 s (large data comes in pieces, the ICCCM's INCR protocol,
+** each piece within 1 s).  SKIPPED: the meta targets TARGETS, MULTIPLE,
+** TIMESTAMP, DELETE, SAVE_TARGETS and INSERT_*; data that names a resource
+** of the owner (types PIXMAP, BITMAP, DRAWABLE, WINDOW, COLORMAP); what is
+** refused or late; and what is over the LIMITS: 16 MiB for one target,
+** 64 MiB for all of them, and 3 s for the whole save (targets not asked for
+** by then are lost).  An owner that does not answer TARGETS is asked for
+** UTF8_STRING and STRING.  While pasting, this process owns CLIPBOARD with
+** the text (offered as UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT
+** and text/plain) and answers requests only during the call's pauses
+** (0.01 s before and 0.05 s after the Control-V): an application that asks
+** later gets nothing.  Afterwards, when anything was saved, this process
+** owns CLIPBOARD again with every saved target under its own name, type and
+** format, byte for byte (data over about 256 KiB is sent in INCR pieces),
+** and starts a CLIPBOARD HOLDER (see Processes), a process with its own
+** display connection that is handed the saved targets, takes the selection
+** and serves them after the call returns, until another client takes the
 ** selection, and then exits.  The call waits up to 2 s for the holder to own
-** the selection.  When nothing was saved, CLIPBOARD is left without owner.
+** the selection, answering requests meanwhile.  When nothing was saved,
+** CLIPBOARD is left without owner.
 **
 ** Focus (zeblo_is_in_text_field, zeblo_paste_into_focused_field).  The
 ** focused element is the one in the focused and showing states inside the
@@ -383,7 +411,8 @@
 **     iterations of the library's private main context on the calling
 **     thread, to handle queued accessibility-bus signals.  The host's own
 **     GLib main contexts are never iterated.
-**   - After a paste that saved text, the clipboard holder process (above).
+**   - After a paste that saved anything, the clipboard holder process
+**     (above), which is not a child of the host.
 **   - Nothing else: element handles, the bulk reads of a walk
 **     (docs/linux-backend.md) and key events die before the call returns,
 **     and the modifier keys the library pressed are released with the key.
@@ -627,9 +656,9 @@ ZEBLO_API bool zeblo_type_text(const char *text, bool markEvents);
 **   "Failed to create event source", "Failed to create Cmd+V key down",
 **   "Failed to create Cmd+V key up"
 ** and the pasteboard then holds the text alone: the saved contents are lost.
-** Linux: the CLIPBOARD selection, only text is saved and restored, Control-V,
-** and a clipboard holder process serves the restored text after the call
-** (PLATFORMS, Pasteboard).
+** Linux: the CLIPBOARD selection, every target is saved and restored
+** within limits, Control-V, and a clipboard holder process serves the
+** restored contents after the call (PLATFORMS, Pasteboard and Processes).
 */
 ZEBLO_API bool zeblo_paste_text(const char *text);
 

@@ -22,6 +22,10 @@ namespace e2e {
 
 using nlohmann::json;
 
+// The helper executable is not beside this program (it is in the build
+// tree's top): name it before the first call.
+inline const int kHelperNamed = setenv("ZEBLO_HELPER", ZEBLO_HELPER_PATH, 0);
+
 // A returned string, freed at once.
 inline std::string take(const char* text) {
     std::string out = text != nullptr ? text : "";

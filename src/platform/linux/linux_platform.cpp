@@ -2,14 +2,11 @@
 // and log.
 #include "platform/linux/linux_platform.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -53,26 +50,6 @@ std::vector<std::string> desktopEntryCommand(const std::string& name) {
         }
     }
     return {};
-}
-
-// Starts `argv` detached from this process (its own session, stdio on
-// /dev/null, adopted by init). True when the program could be executed.
-bool spawnDetached(const std::vector<std::string>& args) {
-    if (args.empty()) return false;
-    std::vector<char*> argv;
-    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    const int report = startDetached([&](int reportFd) {
-        execvp(argv[0], argv.data());
-        const int err = errno;
-        (void)!write(reportFd, &err, sizeof err);
-        _exit(127);
-    });
-    if (report < 0) return false;
-    int err = 0;
-    const ssize_t got = read(report, &err, sizeof err);  // EOF: exec succeeded
-    close(report);
-    return got == 0;
 }
 
 // The GLib context libatspi dispatches on, made once and kept for the
@@ -222,8 +199,8 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
         if (app.localizedName == wanted) return activateApplication(app, kActivateIgnoringOtherApps);
     }
     std::vector<std::string> command = desktopEntryCommand(wanted);
-    if (!command.empty() && spawnDetached(command)) return true;
-    return spawnDetached({wanted});
+    if (!command.empty() && launchDetached(command)) return true;
+    return launchDetached({wanted});
 }
 
 bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
@@ -237,14 +214,17 @@ bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*o
 // --- Pasteboard: the CLIPBOARD selection
 // -------------------------------------------
 
+// Every target of CLIPBOARD is one entry of one item, named by entryName
+// (x11_selection.h). Plain text the library sets ("public.utf8-plain-text")
+// is offered under the usual text targets.
 std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
     const auto locked = guard();
     std::vector<PasteboardItem> items;
-    std::optional<std::string> text = x11_->readText(1.0);
-    if (text) {
-        PasteboardItem item;
-        item.entries.emplace_back(std::string(kPasteboardTypeString), Bytes(text->begin(), text->end()));
-        items.push_back(std::move(item));
+    const Offers offers = x11_->readClipboard();
+    if (offers.empty()) return items;
+    PasteboardItem& item = items.emplace_back();
+    for (const Offer& offer : offers) {
+        item.entries.emplace_back(entryName(offer), Bytes(offer.data->begin(), offer.data->end()));
     }
     return items;
 }
@@ -254,21 +234,38 @@ void LinuxPlatform::clearPasteboard() {
     x11_->disown();
 }
 
+namespace {
+
+// The offers for one entry written to the pasteboard.
+void addOffers(Offers& offers, std::string_view type, std::string data) {
+    if (type == kPasteboardTypeString) {
+        for (Offer& offer : textOffers(std::move(data))) offers.push_back(std::move(offer));
+    } else {
+        offers.push_back(offerFromEntry(type, std::move(data)));
+    }
+}
+
+}  // namespace
+
 bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view type) {
     const auto locked = guard();
-    return x11_->own({{std::string(type), std::string(text)}});
+    Offers offers;
+    addOffers(offers, type, std::string(text));
+    return x11_->own(std::move(offers));
 }
 
 bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {
     const auto locked = guard();
-    std::vector<std::pair<std::string, std::string>> pairs;
+    Offers offers;
     for (const PasteboardItem& item : items) {
         for (const auto& [type, data] : item.entries) {
-            if (data) pairs.emplace_back(type, std::string(data->begin(), data->end()));
+            if (data) addOffers(offers, type, std::string(data->begin(), data->end()));
         }
     }
-    if (pairs.empty()) return true;
-    return x11_->handToHolder(std::move(pairs));
+    if (offers.empty()) return true;
+    // Served from here at once, and by the holder once it has them.
+    if (!x11_->own(std::move(offers))) return false;
+    return x11_->handToHolder();
 }
 
 // --- Sleeping, clock, log, handles

@@ -20,11 +20,7 @@
 #include <utility>
 #include <vector>
 
-struct _XDisplay;
-struct _XkbDesc;
-extern "C" int XFree(void*);
-extern "C" int XCloseDisplay(struct _XDisplay*);
-extern "C" void XkbFreeKeyboard(struct _XkbDesc*, unsigned int, int);
+#include "platform/linux/x11_owned.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -77,30 +73,14 @@ private:
 using AccessibleRef = Ref<AtspiAccessible>;
 
 // ---------------------------------------------------------------------------
-// Single owners with a release function.
-
-template <auto Release>
-struct Releaser {
-    template <class T>
-    void operator()(T* p) const noexcept {
-        Release(p);
-    }
-};
-
-template <class T, auto Release>
-using Owned = std::unique_ptr<T, Releaser<Release>>;
+// Single owners with a release function (`Owned`, `XData` and
+// `DisplayConnection` are in x11_owned.h).
 
 inline void freeArray(GArray* array) noexcept { g_array_free(array, TRUE); }
-inline void freeXData(void* data) noexcept { XFree(data); }
-inline void closeDisplay(_XDisplay* display) noexcept { XCloseDisplay(display); }
-inline void freeKeyboardMap(_XkbDesc* map) noexcept { XkbFreeKeyboard(map, 0, 1); }
 
 using Error = Owned<GError, g_error_free>;
-using Text = Owned<char, g_free>;               // g_malloc'd text
-using Array = Owned<GArray, freeArray>;         // the elements are not released
-using XData = Owned<unsigned char, freeXData>;  // what Xlib hands back to XFree
-using DisplayConnection = Owned<_XDisplay, closeDisplay>;
-using KeyboardMap = Owned<_XkbDesc, freeKeyboardMap>;  // an XKB keymap (XkbGetMap)
+using Text = Owned<char, g_free>;                       // g_malloc'd text
+using Array = Owned<GArray, freeArray>;                 // the elements are not released
 using Message = Owned<DBusMessage, dbus_message_unref>;
 using PendingCall = Owned<DBusPendingCall, dbus_pending_call_unref>;
 

@@ -60,12 +60,13 @@ std::unique_ptr<X11Session> X11Session::open() {
     session->connection_ = std::move(connection);
     session->window_ = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
     XSelectInput(display, session->window_, PropertyChangeMask);
+    session->clipboard_ = std::make_unique<SelectionServer>(display, session->window_, session->atom("CLIPBOARD"));
     return session;
 }
 
 X11Session::~X11Session() {
     if (connection_) {
-        if (owner_) serve(0);  // answer what is already queued
+        if (clipboard_->owns()) serve(0);  // answer what is already queued
         XDestroyWindow(display(), window_);
     }  // the connection closes after this
 }

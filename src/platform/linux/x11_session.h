@@ -5,8 +5,9 @@
 //
 // X11 keeps no clipboard of its own: the owner of CLIPBOARD answers every
 // request for it. While this process owns it (after setPasteboardString),
-// `serve` answers requests; restoring saved contents hands them to a detached
-// holder process that serves them until another client takes the selection.
+// `serve` answers requests; restoring saved contents hands them to a
+// clipboard holder process (zeblo-helper hold, see detach.h) that serves
+// them until another client takes the selection.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -19,6 +20,7 @@
 #include <vector>
 
 #include "platform/linux/owned.h"
+#include "platform/linux/x11_selection.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -44,15 +46,19 @@ public:
     // Asks the window (WM_DELETE_WINDOW) to close.
     bool requestClose(Window window);
 
-    // CLIPBOARD. `pairs` are (type, data) in preference order.
-    bool own(std::vector<std::pair<std::string, std::string>> pairs);
+    // CLIPBOARD (x11_selection.h). Owning it with `offers`; false when
+    // another client kept it.
+    bool own(Offers offers);
     void disown();
-    // The text currently on CLIPBOARD: nothing when no client owns it or the
-    // owner gives no text.
-    std::optional<std::string> readText(double timeoutSeconds);
-    // Hands `pairs` to a detached holder process; true once it owns CLIPBOARD.
-    bool handToHolder(std::vector<std::pair<std::string, std::string>> pairs);
     bool ownsClipboard();
+    // What CLIPBOARD offers: our own offers while we own it, else every
+    // target its owner gives (readSelection), nothing when it has no owner.
+    Offers readClipboard();
+    // Hands the offers we own CLIPBOARD with to a clipboard holder process;
+    // true once it owns CLIPBOARD (waiting at most kHolderSeconds, answering
+    // requests meanwhile).
+    bool handToHolder();
+    static constexpr double kHolderSeconds = 2.0;
     // Waits up to `seconds`, answering CLIPBOARD requests meanwhile.
     void serve(double seconds);
 
@@ -62,18 +68,10 @@ public:
 private:
     X11Session() = default;
     Atom atom(const char* name);
-    void handle(XEvent& event);
-    void answer(const XSelectionRequestEvent& request);
 
     DisplayConnection connection_;
     Window window_ = 0;  // an unmapped window owning CLIPBOARD for us
-    bool owner_ = false;
-    std::vector<std::pair<std::string, std::string>> data_;
+    std::unique_ptr<SelectionServer> clipboard_;
 };
-
-// Serves `pairs` on CLIPBOARD from a new connection until the selection is
-// taken by someone else; the body of the holder process (see detach.h). One
-// byte on `readyFd` says it owns CLIPBOARD.
-[[noreturn]] void runClipboardHolder(std::vector<std::pair<std::string, std::string>> pairs, int readyFd);
 
 }  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,109 @@
+// The contents of an X selection as targets, how they are read from another
+// owner and how they are served. Used by the backend's session for CLIPBOARD
+// and by the clipboard holder (zeblo-helper hold), so it needs Xlib alone.
+//
+// Saving reads every target the owner lists in TARGETS, each as the owner
+// gives it (its property type and format), and serving offers each again
+// under its own name, byte for byte. Large data travels in pieces (the INCR
+// protocol of the ICCCM) both ways.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zeblo::platform::linux_desktop {
+
+// One target offered on a selection. Data of format 16 and 32 is kept as
+// 2- and 4-byte items in the machine's byte order, as on the wire.
+struct Offer {
+    std::string target;
+    std::string type;  // the property type it is sent with
+    int format = 8;
+    std::shared_ptr<const std::string> data;
+};
+using Offers = std::vector<Offer>;
+
+// The limits of one save (readSelection).
+inline constexpr std::size_t kTargetLimit = std::size_t{16} << 20;  // bytes of one target
+inline constexpr std::size_t kSaveLimit = std::size_t{64} << 20;    // bytes of all targets
+inline constexpr double kReplySeconds = 1.0;  // for each answer (and each piece of an INCR transfer)
+inline constexpr double kSaveSeconds = 3.0;   // for the whole save
+
+// Seconds on the steady clock.
+double monotonicSeconds();
+// Waits until `display` has an event or `deadline` passes.
+bool waitForEvent(Display* display, double deadline);
+
+// The targets under which the library offers plain text it sets itself:
+// UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT and text/plain.
+Offers textOffers(std::string text);
+
+// An offer as the type name of a pasteboard entry, and back: the target, and
+// when the property type is not the target or the format not 8, the type
+// and the format after U+001F separators ("TEXT\x1fUTF8_STRING\x1f8").
+std::string entryName(const Offer& offer);
+Offer offerFromEntry(std::string_view name, std::string data);
+
+// Offers as the bytes the library sends the clipboard holder (their count,
+// then each one), and back (nothing when the bytes are not such a list,
+// whole).
+std::string serializeOffers(const Offers& offers);
+std::optional<Offers> parseOffers(std::string_view bytes);
+
+// Every target the owner of `selection` offers, read into `window`'s
+// properties within the limits above. Skipped: the meta targets (TARGETS,
+// MULTIPLE, TIMESTAMP, DELETE, SAVE_TARGETS, INSERT_*), targets given as
+// another client's resources (PIXMAP, BITMAP, DRAWABLE, WINDOW, COLORMAP),
+// what is refused or late, and what is over a limit. An owner that does not
+// answer TARGETS is asked for UTF8_STRING and STRING. `window` must select
+// PropertyChangeMask; events that are not part of the read go to `other`.
+Offers readSelection(Display* display, Window window, Atom selection, const std::function<void(XEvent&)>& other);
+
+// Owns a selection for `window` and answers its requests: TARGETS, and every
+// offer under its own target. Data over the largest request size goes in
+// pieces (INCR).
+class SelectionServer {
+public:
+    SelectionServer(Display* display, Window window, Atom selection);
+    // Takes the selection with `offers`; false when another client kept it.
+    bool own(Offers offers);
+    // Gives the selection up (no owner) and forgets the offers.
+    void disown();
+    // Forgets the offers without giving the selection up: someone else has it.
+    void forget();
+    bool owns() const { return owns_; }
+    const Offers& offers() const { return offers_; }
+    // Handles `event` when it is the selection's (a request, the loss of the
+    // selection, the progress of a transfer in pieces); false otherwise.
+    // Requests for a selection not owned are refused.
+    bool handle(const XEvent& event);
+
+private:
+    struct Transfer {
+        Window requestor;
+        Atom property;
+        Offer offer;
+        std::size_t sent = 0;  // bytes; the last piece is the empty one
+        bool finished = false;
+    };
+    void answer(const XSelectionRequestEvent& request);
+    void write(Window requestor, Atom property, const Offer& offer, std::size_t from, std::size_t count);
+    void advance(Transfer& transfer);
+
+    Display* display_;
+    Window window_;
+    Atom selection_;
+    std::size_t piece_;  // bytes: larger data goes in pieces of this size
+    bool owns_ = false;
+    Offers offers_;
+    std::vector<Transfer> transfers_;
+};
+
+}  // namespace zeblo::platform::linux_desktop
