@@ -201,9 +201,8 @@ public:
     }
 
     // Applications and elements that do not answer or hold their replies,
-    // child lists that lead back to the node or an ancestor (as a faulty
-    // application's can), and an application that stops answering for a
-    // while. Drawn from what the input chose already rather than from more of
+    // and child lists that lead back to the node or an ancestor (as a faulty
+    // application's can). Drawn from what the input chose already rather than from more of
     // it, so that every input still builds the desktop and makes the calls it
     // did before.
     void addFaults() {
@@ -233,15 +232,6 @@ public:
                 list->insert(list->begin() + static_cast<std::ptrdiff_t>(draw() % (list->size() + 1)), up);
             }
         }
-        if (desk_.apps().empty() || !once(4)) return;
-        const std::int32_t pid = desk_.apps()[draw() % desk_.apps().size()].pid;
-        sim::TimelineChange hang, resume;
-        hang.atMicros = micros() / 2;
-        hang.change = {{"hangApp", {{"pid", pid}, {"seconds", 0.5}}}};
-        resume.atMicros = hang.atMicros + micros();
-        resume.change = {{"resumeApp", pid}};
-        desk_.addTimelineChange(std::move(hang));
-        desk_.addTimelineChange(std::move(resume));
     }
 
 private:
