@@ -1,8 +1,11 @@
 #include "fuzz/random_desktop.h"
 
 #include <array>
+#include <functional>
 #include <limits>
+#include <random>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "core/unicode.h"
@@ -96,7 +99,8 @@ public:
         return randomName(in_);
     }
 
-    // A child list of the wrong kind, or with null entries only.
+    // A child list of the wrong kind, or with null entries only. Lists that
+    // lead back up come later, from addFaults.
     sim::Attr malformedChildren() {
         switch (in_.ConsumeIntegralInRange(0, 5)) {
             case 0: return sim::Null{};
@@ -127,22 +131,15 @@ public:
         if (in_.ConsumeIntegralInRange(0, 5) == 0) n->setResult = code(in_);
         n->onPress = static_cast<sim::OnPress>(in_.ConsumeIntegralInRange(0, 2));
         n->dead = in_.ConsumeIntegralInRange(0, 30) == 0;
-        if (in_.ConsumeIntegralInRange(0, 30) == 0) n->hungMicros = hungTime();
-        if (in_.ConsumeIntegralInRange(0, 15) == 0) n->holdsReplyMicros = hungTime();
     }
-
-    std::int64_t hungTime() { return in_.ConsumeIntegralInRange<std::int64_t>(1, 1'000'000); }
 
     // One tree of up to `budget` nodes, built without recursion. Each new node
     // hangs below the previous one (deep) or below a random earlier one (wide).
-    // Now and then a child list leads back to the node or one of its
-    // ancestors, as a faulty application's can.
     sim::Node* tree(int budget) {
         struct Entry {
             sim::Node* node;
             int depth;
             std::vector<sim::Node*> children;
-            std::size_t parent = 0;
         };
         std::vector<Entry> made;
         const int count = in_.ConsumeIntegralInRange(1, std::max(1, budget));
@@ -162,13 +159,9 @@ public:
                 }
                 if (made[parent].depth < kMaxDepth && made[parent].children.size() < kMaxChildren) {
                     if (in_.ConsumeIntegralInRange(0, 15) == 0) made[parent].children.push_back(nullptr);
-                    if (in_.ConsumeIntegralInRange(0, 15) == 0) {
-                        std::size_t up = parent;
-                        for (int k = in_.ConsumeIntegralInRange(0, 3); k > 0 && up != 0; --k) up = made[up].parent;
-                        made[parent].children.push_back(made[up].node);
-                    }
                     made[parent].children.push_back(n);
-                    made.push_back({n, made[parent].depth + 1, {}, parent});
+                    made.push_back({n, made[parent].depth + 1, {}});
+                    parentOf_[n] = made[parent].node;
                     continue;
                 }
             }
@@ -192,7 +185,6 @@ public:
         a.hidden = in_.ConsumeIntegralInRange(0, 5) == 0;
         a.policy = in_.ConsumeIntegralInRange(0, 7) == 0 ? in_.ConsumeIntegralInRange(-1, 3) : 0;
         a.activate = in_.ConsumeIntegralInRange(0, 5) != 0;
-        if (in_.ConsumeIntegralInRange(0, 9) == 0) a.hungMicros = hungTime();
         a.element = desk_.newNode();
         nodes_.push_back(a.element);
         if (in_.ConsumeIntegralInRange(0, 9) == 0) decorate(a.element);
@@ -208,10 +200,45 @@ public:
         return a;
     }
 
+    // Applications and elements that do not answer or hold their replies,
+    // and child lists that lead back to the node or an ancestor (as a faulty
+    // application's can). Drawn from what the input chose already rather than from more of
+    // it, so that every input still builds the desktop and makes the calls it
+    // did before.
+    void addFaults() {
+        std::string chosen = std::to_string(nodes_.size());
+        for (sim::Node* n : nodes_) {
+            const sim::Attr* title = n->findAttr("AXTitle");
+            chosen +=
+                title != nullptr && std::holds_alternative<std::string>(*title) ? std::get<std::string>(*title) : "-";
+        }
+        for (const sim::SimApp& app : desk_.apps()) chosen += std::to_string(app.pid);
+        std::minstd_rand draw(static_cast<std::uint32_t>(std::hash<std::string>{}(chosen)));
+        const auto once = [&](unsigned in) { return draw() % in == 0; };
+        const auto micros = [&] { return static_cast<std::int64_t>(1 + draw() % 1'000'000); };
+        for (sim::SimApp& app : desk_.apps())
+            if (once(10)) app.hungMicros = micros();
+        for (sim::Node* n : nodes_) {
+            if (once(30)) n->hungMicros = micros();
+            if (once(15)) n->holdsReplyMicros = micros();
+            const auto parent = parentOf_.find(n);
+            if (!once(8) || parent == parentOf_.end()) continue;
+            sim::Node* up = once(2) ? n : parent->second;
+            for (auto k = draw() % 4; k > 0 && parentOf_.count(up) != 0; --k) up = parentOf_[up];
+            sim::Attr* kids = n->findAttr("AXChildren");
+            if (kids == nullptr) {
+                n->setAttr("AXChildren", std::vector<sim::Node*>{up});
+            } else if (auto* list = std::get_if<std::vector<sim::Node*>>(kids)) {
+                list->insert(list->begin() + static_cast<std::ptrdiff_t>(draw() % (list->size() + 1)), up);
+            }
+        }
+    }
+
 private:
     FuzzedDataProvider& in_;
     sim::SimDesktop& desk_;
     std::vector<sim::Node*> nodes_;
+    std::unordered_map<sim::Node*, sim::Node*> parentOf_;  // within one tree
 };
 
 }  // namespace
@@ -265,25 +292,21 @@ std::shared_ptr<sim::SimDesktop> randomDesktop(FuzzedDataProvider& in) {
         for (int n = in.ConsumeIntegralInRange(1, 3); n > 0; --n) failing.insert(in.ConsumeIntegralInRange(1, 12));
         desk->setFailingKeyboardEvents(std::move(failing));
     }
-    // A few changes while the library waits: the front moves, an application
-    // quits, stops answering or answers again.
+    // A few changes while the library waits: the front moves, an application quits.
     for (int n = in.ConsumeIntegralInRange(0, 2); n > 0; --n) {
         sim::TimelineChange change;
         change.atMicros = in.ConsumeIntegralInRange<std::int64_t>(1, 1'000'000);
         const std::int32_t pid = pids.empty() || in.ConsumeIntegralInRange(0, 3) == 0
                                      ? in.ConsumeIntegral<std::int32_t>()
                                      : pids[in.ConsumeIntegralInRange<std::size_t>(0, pids.size() - 1)];
-        switch (in.ConsumeIntegralInRange(0, 3)) {
-            case 0: change.change = {{"frontmost", pid}}; break;
-            case 1: change.change = {{"removeApp", pid}}; break;
-            case 2: change.change = {{"hangApp", {{"pid", pid}, {"seconds", 0.5}}}}; break;
-            default: change.change = {{"resumeApp", pid}}; break;
-        }
+        change.change =
+            in.ConsumeBool() ? nlohmann::ordered_json{{"frontmost", pid}} : nlohmann::ordered_json{{"removeApp", pid}};
         try {
             desk->addTimelineChange(std::move(change));
         } catch (const sim::DesktopFormatError&) {
         }
     }
+    b.addFaults();
     return desk;
 }
 

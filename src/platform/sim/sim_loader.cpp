@@ -250,9 +250,8 @@ private:
                 else if (s == "toggle") n.onPress = OnPress::toggle;
                 else fail(at, "expected \"close\" or \"toggle\", got \"" + s + "\"");
             } else {
-                fail(at,
-                     "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
-                     "settable, setResult, onPress, hung, holdsReply)");
+                fail(at, "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
+                         "settable, setResult, onPress)");
             }
         }
     }
@@ -298,7 +297,7 @@ AppDraft readApp(Json& j, const std::string& where, Builder& b, const std::strin
                 d.element = &v;
             }
         } else {
-            fail(at, "unknown application key (expected name, pid, hidden, policy, activate, element, hung)");
+            fail(at, "unknown application key (expected name, pid, hidden, policy, activate, element)");
         }
     }
     if (!hasPid) fail(where, "an application needs a \"pid\"");
@@ -360,9 +359,7 @@ ChangeDraft readChange(Json j, const std::string& where, Builder& b) {
     } else if (kind == "resumeApp") {
         pidOf(v, vat);
     } else {
-        fail(vat,
-             "unknown timeline change (expected frontmost, addWindow, removeWindow, removeApp, addApp, "
-             "hangApp, resumeApp)");
+        fail(vat, "unknown timeline change (expected frontmost, addWindow, removeWindow, removeApp, addApp)");
     }
     return d;
 }
