@@ -91,16 +91,18 @@ std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& ca
         // One wait for the whole batch, each call up to its own limit counted
         // from the send (blocking on each call in turn would add the limits
         // of the calls that go unanswered).
+        // `open` is the first call still waiting; the ones before it are
+        // answered or past their deadline, so each dispatched message costs
+        // no scan of the whole batch.
+        std::size_t open = 0;
         for (;;) {
-            Clock::time_point next = Clock::time_point::max();
             const Clock::time_point now = Clock::now();
-            for (std::size_t k = 0; k < pending.size(); ++k) {
-                if (pending[k] && !dbus_pending_call_get_completed(pending[k].get()) && due[k] > now) {
-                    next = std::min(next, due[k]);
-                }
+            while (open < pending.size() &&
+                   (!pending[open] || dbus_pending_call_get_completed(pending[open].get()) || due[open] <= now)) {
+                ++open;
             }
-            if (next == Clock::time_point::max()) break;
-            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next - now).count();
+            if (open == pending.size()) break;
+            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due[open] - now).count();
             if (!dbus_connection_read_write_dispatch(bus, static_cast<int>(wait))) break;  // disconnected
         }
         for (std::size_t i = first; i < end; ++i) {
