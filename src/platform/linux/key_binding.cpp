@@ -82,6 +82,10 @@ std::optional<std::pair<std::string, std::int64_t>> qtKeyEquivalent(const std::s
         return std::make_pair(std::string(1, static_cast<char>(std::toupper(static_cast<unsigned char>(key[0])))),
                               modifiers);
     }
+    if (key == "Backtab") {  // Qt's name for Shift-Tab
+        key = "Tab";
+        modifiers |= 1;
+    }
     for (const auto& [qt, x] : kQtKeyNames) {
         if (key == qt) key = x;
     }
@@ -109,6 +113,12 @@ const std::string& keyBindingOf(Node& node, const Survey::Item* item) {
         if (error) binding.clear();  // no action at all
     }
     return node.keyBinding.emplace(std::move(binding));
+}
+
+bool isQtMnemonic(const std::string& binding, const std::string& title) {
+    if (binding.size() != 5 || binding.compare(0, 4, "Alt+") != 0) return false;
+    const auto lower = [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); };
+    return std::any_of(title.begin(), title.end(), [&](char c) { return lower(c) == lower(binding[4]); });
 }
 
 std::optional<std::pair<std::string, std::int64_t>> keyEquivalent(const std::string& binding) {
