@@ -44,14 +44,6 @@ protected:
     }
 };
 
-// Finds the record titled `title` among `items`.
-const json* findItem(const json& items, std::string_view title) {
-    for (const json& item : items) {
-        if (item.value("title", "") == title) return &item;
-    }
-    return nullptr;
-}
-
 TEST_F(TestApp, MenuSnapshotMapsTitlesStatesAndKeyBindings) {
     const json snapshot = takeJson(zeblo_get_app_menus(kApp));
     ASSERT_TRUE(snapshot.is_object()) << snapshot.dump();

@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     item(zoom, "Zoom In", QKeySequence("Ctrl++"));
     item(zoom, "Zoom Out", QKeySequence("Ctrl+-"));
     item(zoom, "First Page", QKeySequence("Ctrl+PgUp"));
-    window.menuBar()->addMenu("Help")->addAction("About");
+    window.menuBar()->addMenu("Help")->addAction("&About");  // a mnemonic, no shortcut
 
     auto* central = new QWidget;
     auto* layout = new QVBoxLayout(central);
@@ -84,10 +84,7 @@ int main(int argc, char** argv) {
     colour->addItems({"Red", "Green", "Blue"});
     auto* name = new QLineEdit;
     name->setPlaceholderText("Name");
-    for (QWidget* w : {static_cast<QWidget*>(press), static_cast<QWidget*>(disabled),
-                       static_cast<QWidget*>(opener), static_cast<QWidget*>(feature),
-                       static_cast<QWidget*>(remember), static_cast<QWidget*>(colour),
-                       static_cast<QWidget*>(name), static_cast<QWidget*>(status)}) {
+    for (QWidget* w : std::initializer_list<QWidget*>{press, disabled, opener, feature, remember, colour, name, status}) {
         layout->addWidget(w);
     }
     window.setCentralWidget(central);
