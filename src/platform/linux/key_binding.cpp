@@ -50,15 +50,15 @@ std::optional<std::string> keyOfName(const std::string& name) {
 
 // Qt's key names that X names otherwise.
 constexpr std::pair<const char*, const char*> kQtKeyNames[] = {
-    {"PgUp", "Page_Up"}, {"PgDown", "Page_Down"}, {"Del", "Delete"},   {"Esc", "Escape"},
+    {"PgUp", "Page_Up"}, {"PgDown", "Page_Down"},    {"Del", "Delete"}, {"Esc", "Escape"},
     {"Enter", "Return"}, {"Backspace", "BackSpace"}, {"Ins", "Insert"}, {"Space", "space"},
 };
 
 // Qt gives its shortcuts as "Ctrl+Shift+W" (several separated by ", "), GTK as
 // "mnemonic;path;<Control><Shift>w" or a bare key name.
 bool isQtBinding(const std::string& binding) {
-    return binding.find('<') == std::string::npos && binding.find(';') == std::string::npos &&
-           binding.size() > 1 && binding.find('+', 1) != std::string::npos;
+    return binding.find('<') == std::string::npos && binding.find(';') == std::string::npos && binding.size() > 1 &&
+           binding.find('+', 1) != std::string::npos;
 }
 
 std::optional<std::pair<std::string, std::int64_t>> qtKeyEquivalent(const std::string& binding) {

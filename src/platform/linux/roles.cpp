@@ -137,8 +137,8 @@ std::string axRole(Node& node) {
                 if (set && atspi_state_set_contains(set.get(), s)) states |= std::uint64_t{1} << s;
             }
         }
-        const bool multiLine = ((states >> ATSPI_STATE_MULTI_LINE) & 1) != 0 &&
-                               ((states >> ATSPI_STATE_SINGLE_LINE) & 1) == 0;
+        const bool multiLine =
+            ((states >> ATSPI_STATE_MULTI_LINE) & 1) != 0 && ((states >> ATSPI_STATE_SINGLE_LINE) & 1) == 0;
         return multiLine ? "AXTextArea" : "AXTextField";
     }
     const char* name = tableName(role);

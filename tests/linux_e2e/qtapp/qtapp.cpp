@@ -84,7 +84,8 @@ int main(int argc, char** argv) {
     colour->addItems({"Red", "Green", "Blue"});
     auto* name = new QLineEdit;
     name->setPlaceholderText("Name");
-    for (QWidget* w : std::initializer_list<QWidget*>{press, disabled, opener, feature, remember, colour, name, status}) {
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{press, disabled, opener, feature, remember, colour, name, status}) {
         layout->addWidget(w);
     }
     window.setCentralWidget(central);
