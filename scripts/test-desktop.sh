@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
 # Installs the desktop packages, builds, and runs the end-to-end tests against
-# real GTK applications in a headless session.
+# real GTK and Qt applications in a headless session; run without arguments,
+# it also compares the menu snapshot of a Qt example with pyatspi's view.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --desktop
 BUILD_DIR=${BUILD_DIR:-build} scripts/build.sh
 scripts/desktop-session.sh "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 "$@"
+examples="/usr/lib/$(gcc -print-multiarch)/qt5/examples/widgets/mainwindows"
+if [ $# -eq 0 ] && [ -x "$examples/menus/menus" ]; then
+  scripts/desktop-session.sh tests/linux_e2e/compare_qt_menus.py "${BUILD_DIR:-build}/zeblo" "$examples/menus/menus" menus
+fi

@@ -282,8 +282,11 @@
 ** "forwarddelete" for those keys; an item whose key is none of these (a
 ** keypad or media key, Insert) has no key equivalent.  The bits: 1 Shift, 2 Option
 ** (Alt), 4 Control (Super, Meta) and 8 no Command; Control and <Primary>
-** count as Command, because the command flag is sent as Control.  An item
-** with a submenu has neither.  Disabled items are listed with their key.
+** count as Command, because the command flag is sent as Control.  Qt's key
+** bindings ("Ctrl+Shift+W", "Ctrl++", "Ctrl+PgUp") give the same; Qt's
+** stand-in for a missing shortcut, Alt and a letter of the item's title (its
+** mnemonic), gives none.  An item with a submenu has neither.  Disabled items
+** are listed with their key.
 **
 ** Keyboard (zeblo_send_keystroke, zeblo_send_global_keystroke,
 ** zeblo_type_text, zeblo_paste_text and the Return of

@@ -85,6 +85,14 @@ protected:
     void TearDown() override { EXPECT_EQ(liveObjects(), 0) << "backend objects left alive"; }
 };
 
+// The menu record titled `title` among `items`, or null.
+inline const json* findItem(const json& items, std::string_view title) {
+    for (const json& item : items) {
+        if (item.value("title", "") == title) return &item;
+    }
+    return nullptr;
+}
+
 // Whether `app` (and its window) is in front.
 inline bool inFront(const char* app, const char* window) {
     return zeblo_wait_for_window(app, window, 2, 1);

@@ -4,6 +4,7 @@
 
 #include "core/unicode.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/linux/tree_search.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -73,7 +74,16 @@ std::string rowNameOf(AtspiAccessible* cell) {
 
 AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
-    if (!collection) return {};
+    if (!collection) {
+        // Menus are not looked into: they hold many items and no menu bar,
+        // combo box part or window part.
+        return searchTree(
+            root, [role](const Glance& g) { return g.role == role; },
+            [](const Glance& g) {
+                return g.has(ATSPI_STATE_SHOWING) && g.role != ATSPI_ROLE_MENU && g.role != ATSPI_ROLE_POPUP_MENU &&
+                       g.role != ATSPI_ROLE_MENU_BAR;
+            });
+    }
     const Array roles(g_array_new(FALSE, FALSE, sizeof(AtspiRole)));
     g_array_append_val(roles.get(), role);
     const Ref<AtspiMatchRule> rule = Ref<AtspiMatchRule>::adopt(
@@ -84,7 +94,12 @@ AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
 
 AccessibleRef findFocused(AtspiAccessible* root) {
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
-    if (!collection) return {};
+    if (!collection) {
+        // The focus is inside showing elements only.
+        const auto showing = [](const Glance& g) { return g.has(ATSPI_STATE_SHOWING); };
+        return searchTree(
+            root, [&](const Glance& g) { return showing(g) && g.has(ATSPI_STATE_FOCUSED); }, showing);
+    }
     const Ref<AtspiStateSet> states = Ref<AtspiStateSet>::adopt(atspi_state_set_new(nullptr));
     atspi_state_set_add(states.get(), ATSPI_STATE_FOCUSED);
     atspi_state_set_add(states.get(), ATSPI_STATE_SHOWING);  // closed menus keep a stale focus

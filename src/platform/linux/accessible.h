@@ -25,10 +25,12 @@ std::string firstActionOf(AtspiAccessible* object);
 // there is none, or `cell` is not a table cell).
 std::string rowNameOf(AtspiAccessible* cell);
 // The first descendant of `root` with `role` (through the Collection
-// interface: one round trip), or null.
+// interface: one round trip; without it, a search of the showing elements
+// outside menus, a batch or two per level), or null.
 AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role);
 // The first descendant of `root` in the `focused` and `showing` states (one
-// round trip), or null.
+// round trip; without the Collection interface, a search that descends into
+// showing elements only), or null.
 AccessibleRef findFocused(AtspiAccessible* root);
 // The application's showing windows (popups included only when titled).
 std::vector<AccessibleRef> windowsOf(AtspiAccessible* app);

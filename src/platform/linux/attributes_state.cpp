@@ -19,7 +19,9 @@ std::optional<AttributeRead> readState(const Reading& r, std::string_view attrib
     }
     if (attribute == "AXMenuItemCmdChar" || attribute == "AXMenuItemCmdModifiers") {
         if (r.role == ATSPI_ROLE_MENU) return ok(std::monostate{});
-        auto key = keyEquivalent(keyBindingOf(r.node, r.item));
+        const std::string& binding = keyBindingOf(r.node, r.item);
+        if (isQtMnemonic(binding, r.name())) return ok(std::monostate{});
+        auto key = keyEquivalent(binding);
         if (!key) return ok(std::monostate{});
         if (attribute == "AXMenuItemCmdChar") return ok(std::move(key->first));
         return ok(key->second);

@@ -70,7 +70,10 @@ std::optional<AttributeRead> readTree(const Reading& r, std::string_view attribu
     if (attribute == "AXChildren") return children(r);
     if (r.role == ATSPI_ROLE_APPLICATION) return readApplication(r, attribute);
     if (attribute == "AXMenu" && r.role == ATSPI_ROLE_COMBO_BOX) {
-        return elementOrNoValue(r.platform, findByRole(r.object, ATSPI_ROLE_MENU));
+        // GTK's popup is a menu, Qt's a list.
+        AccessibleRef menu = findByRole(r.object, ATSPI_ROLE_MENU);
+        if (!menu) menu = findByRole(r.object, ATSPI_ROLE_LIST);
+        return elementOrNoValue(r.platform, std::move(menu));
     }
     if (attribute == "AXCloseButton" && isWindowRole(r.role)) {
         return ok(r.platform.wrap(AccessibleRef::retain(r.object), Node::Kind::closeButton));

@@ -23,4 +23,10 @@ const std::string& keyBindingOf(Node& node, const Survey::Item* item);
 // command key, since the library's command flag is sent as Control.
 std::optional<std::pair<std::string, std::int64_t>> keyEquivalent(const std::string& binding);
 
+// Whether `binding` is Qt's stand-in for a missing shortcut: the mnemonic of
+// the item titled `title` ("Alt+A" for "Save &As"), which only works while
+// the item's menu is open. A real Alt shortcut on a letter of the title
+// reads the same and is taken for a mnemonic as well.
+bool isQtMnemonic(const std::string& binding, const std::string& title);
+
 }  // namespace zeblo::platform::linux_desktop

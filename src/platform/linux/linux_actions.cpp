@@ -14,11 +14,13 @@ namespace zeblo::platform::linux_desktop {
 
 namespace {
 
+// Matched without regard to case: GTK names its actions "click", Qt "Press"
+// and "Toggle".
 constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle"};
 
 bool isPressName(const std::string& name) {
     for (const char* press : kPressActions) {
-        if (name == press) return true;
+        if (g_ascii_strcasecmp(name.c_str(), press) == 0) return true;
     }
     return false;
 }
@@ -62,7 +64,7 @@ AXError press(AtspiAccessible* object) {
     int index = -1;
     for (const char* wanted : kPressActions) {
         for (std::size_t i = 0; index < 0 && i < names.size(); ++i) {
-            if (names[i] == wanted) index = static_cast<int>(i);
+            if (g_ascii_strcasecmp(names[i].c_str(), wanted) == 0) index = static_cast<int>(i);
         }
     }
     if (index < 0) return kAXErrorActionUnsupported;

@@ -17,7 +17,7 @@ struct RoleName {
 
 constexpr const char* kWindow = "AXWindow";
 
-// Menus, combo boxes, texts and entries are named in axRole: their name
+// Menus, menu items, lists, combo boxes, texts and entries are named in axRole: their name
 // depends on their parent, their content or their state.
 constexpr RoleName kRoles[] = {
     {ATSPI_ROLE_APPLICATION, "AXApplication"},
@@ -28,6 +28,7 @@ constexpr RoleName kRoles[] = {
     {ATSPI_ROLE_COLOR_CHOOSER, kWindow},
     {ATSPI_ROLE_WINDOW, kWindow},
     {ATSPI_ROLE_MENU_BAR, "AXMenuBar"},
+    {ATSPI_ROLE_POPUP_MENU, "AXMenu"},
     {ATSPI_ROLE_MENU_ITEM, "AXMenuItem"},
     {ATSPI_ROLE_CHECK_MENU_ITEM, "AXMenuItem"},
     {ATSPI_ROLE_RADIO_MENU_ITEM, "AXMenuItem"},
@@ -72,6 +73,13 @@ const char* tableName(AtspiRole role) {
 // change while an element lives (its role, whether a text is single-line).
 const Survey::Item* lastKnown(const Node& node) { return node.survey ? node.survey->find(node.object.get()) : nullptr; }
 
+// The role of `node`'s parent, from the survey (`item`) when it knows it.
+AtspiRole parentRoleOf(const Node& node, const Survey::Item* item) {
+    if (const Survey::Item* parent = item != nullptr ? node.survey->parent(*item) : nullptr) return parent->role;
+    const AccessibleRef p = AccessibleRef::adopt(atspi_accessible_get_parent(node.object.get(), nullptr));
+    return p ? roleOfObject(p.get()) : ATSPI_ROLE_INVALID;
+}
+
 }  // namespace
 
 bool isWindowRole(AtspiRole role) {
@@ -88,10 +96,10 @@ AtspiRole roleOf(Node& node) {
             node.role = node.object ? roleOfObject(node.object.get()) : ATSPI_ROLE_INVALID;
         }
         // A check box drawn in a tree view (a checklist) is a table cell whose
-        // first action is "toggle": it reads and acts as a check box. Cells
+        // first action is "toggle" (in any case): it reads and acts as a check box. Cells
         // with text are never toggles, so they cost no round trip.
         if (*node.role == ATSPI_ROLE_TABLE_CELL && (item == nullptr || (item->hasAction && !item->hasText)) &&
-            firstActionOf(node.object.get()) == "toggle") {
+            g_ascii_strcasecmp(firstActionOf(node.object.get()).c_str(), "toggle") == 0) {
             node.role = ATSPI_ROLE_CHECK_BOX;
         }
     }
@@ -103,19 +111,14 @@ std::string axRole(Node& node) {
     if (node.kind == Node::Kind::application) return "AXApplication";
     const AtspiRole role = roleOf(node);
     const Survey::Item* item = lastKnown(node);
-    if (role == ATSPI_ROLE_MENU) {
-        // A menu directly in the menu bar is a menu bar item; a combo box's
-        // list is a menu; a submenu is an item of its parent menu.
-        AtspiRole parentRole = ATSPI_ROLE_INVALID;
-        if (const Survey::Item* parent = item != nullptr ? node.survey->parent(*item) : nullptr) {
-            parentRole = parent->role;
-        } else if (const AccessibleRef p =
-                       AccessibleRef::adopt(atspi_accessible_get_parent(node.object.get(), nullptr))) {
-            parentRole = roleOfObject(p.get());
-        }
-        if (parentRole == ATSPI_ROLE_MENU_BAR) return "AXMenuBarItem";
-        if (parentRole == ATSPI_ROLE_COMBO_BOX) return "AXMenu";
-        return "AXMenuItem";
+    if (role == ATSPI_ROLE_MENU || role == ATSPI_ROLE_MENU_ITEM || role == ATSPI_ROLE_LIST) {
+        // A menu or menu item directly in the menu bar is a menu bar item; a
+        // combo box's menu (GTK) or list (Qt) is a menu; a submenu is an item
+        // of its parent menu.
+        const AtspiRole parentRole = parentRoleOf(node, item);
+        if (parentRole == ATSPI_ROLE_MENU_BAR && role != ATSPI_ROLE_LIST) return "AXMenuBarItem";
+        if (parentRole == ATSPI_ROLE_COMBO_BOX && role != ATSPI_ROLE_MENU_ITEM) return "AXMenu";
+        if (role == ATSPI_ROLE_MENU) return "AXMenuItem";
     }
     if (role == ATSPI_ROLE_COMBO_BOX) {
         // Editable combo boxes hold an entry.
@@ -125,9 +128,18 @@ std::string axRole(Node& node) {
         return findByRole(node.object.get(), ATSPI_ROLE_TEXT) ? "AXComboBox" : "AXPopUpButton";
     }
     if (role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY) {
-        const bool singleLine = item != nullptr ? ((item->states >> ATSPI_STATE_SINGLE_LINE) & 1) != 0
-                                                : hasState(node.object.get(), ATSPI_STATE_SINGLE_LINE);
-        return singleLine ? "AXTextField" : "AXTextArea";
+        // GTK marks its entries single-line and its text views multi-line;
+        // Qt marks only the multi-line ones.
+        std::uint64_t states = item != nullptr ? item->states : 0;
+        if (item == nullptr) {
+            const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(node.object.get()));
+            for (const AtspiStateType s : {ATSPI_STATE_SINGLE_LINE, ATSPI_STATE_MULTI_LINE}) {
+                if (set && atspi_state_set_contains(set.get(), s)) states |= std::uint64_t{1} << s;
+            }
+        }
+        const bool multiLine =
+            ((states >> ATSPI_STATE_MULTI_LINE) & 1) != 0 && ((states >> ATSPI_STATE_SINGLE_LINE) & 1) == 0;
+        return multiLine ? "AXTextArea" : "AXTextField";
     }
     const char* name = tableName(role);
     return name != nullptr ? name : "AXUnknown";
