@@ -9,8 +9,10 @@ BUILD_DIR=build scripts/build.sh -DZEBLO_BUILD_TESTS=ON -DZEBLO_BUILD_BENCH=ON -
 ctest --test-dir build --output-on-failure -j "$(nproc)"
 # The installed package, used through find_package and through pkg-config.
 BUILD_DIR=build scripts/test-package.sh
-# The end-to-end suite against real GTK applications in a headless session.
+# The end-to-end suite against real GTK and Qt applications in a headless
+# session, and a Qt menu bar compared with pyatspi's view of it (the build
+# above is reused as it stands).
 echo "== end to end on a headless desktop"
-scripts/desktop-session.sh build/tests/test_linux_e2e --gtest_brief=1
+BUILD_DIR=build scripts/test-desktop.sh
 # Sanitizer builds (ASan+UBSan+LSan suite, TSan concurrency test) and fuzzing.
 scripts/test-hardening.sh
