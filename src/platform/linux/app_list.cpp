@@ -57,6 +57,24 @@ void AppMemory::keepOnly(const std::vector<ListedApp>& listed) {
     std::erase_if(entries_, [&](const auto& entry) { return names.count(entry.first) == 0; });
 }
 
+void AppMemory::wake(const std::vector<ListedApp>& listed) {
+    std::vector<Message> calls;
+    for (const ListedApp& app : listed) {
+        const auto found = entries_.find(app.busName);
+        if (found == entries_.end() || found->second.silent || found->second.woken) continue;
+        found->second.woken = true;
+        calls.push_back(methodCall(app.busName.c_str(), app.path.c_str(), kAccessible, "GetAttributes"));
+        calls.push_back(propertyCall(app.busName.c_str(), app.path.c_str(), "org.a11y.atspi.Application", "ToolkitName"));
+    }
+    if (calls.empty()) return;
+    const std::vector<int> limits(calls.size(), std::min(replyLimitMs(), kListWaitMs));
+    const std::vector<Message> answers = callAll(atspi_get_a11y_bus(), calls, limits);
+    for (std::size_t i = 1; i < answers.size(); i += 2) {
+        const char* toolkit = stringAnswer(answers[i]);
+        if (toolkit != nullptr && std::string_view(toolkit) == "Chromium") chromiumWoken_ = true;
+    }
+}
+
 std::vector<ListedApp> listApplications(AppMemory* memory) {
     const bool withNames = memory != nullptr;
     // The registry (the desktop object) on the accessibility bus.
@@ -104,7 +122,10 @@ std::vector<ListedApp> listApplications(AppMemory* memory) {
         apps[i].name = entry.name;
         apps[i].childCount = entry.childCount;
     }
-    if (withNames) memory->keepOnly(apps);
+    if (withNames) {
+        memory->keepOnly(apps);
+        memory->wake(apps);
+    }
     return apps;
 }
 

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/owned.h"
@@ -34,6 +35,7 @@ public:
         std::string name;
         std::int32_t childCount = -1;
         bool silent = false;
+        bool woken = false;  // asked for its root's attributes (see below)
     };
     // How long the batch waits for an application's name: a moment (a
     // healthy application answers in a few milliseconds; one that does not is
@@ -49,9 +51,16 @@ public:
     const Entry& unanswered(const std::string& busName, std::int32_t pid);
     // Forgets the applications that are no longer registered.
     void keepOnly(const std::vector<ListedApp>& listed);
+    // Chromium-based applications show their content only after someone
+    // asked their root object for its attributes: the list asks every
+    // application once, when it first answers, and tells here whether one of
+    // them is built on Chromium (its content comes a moment later).
+    bool takeChromiumWoken() { return std::exchange(chromiumWoken_, false); }
+    void wake(const std::vector<ListedApp>& listed);
 
 private:
     std::unordered_map<std::string, Entry> entries_;
+    bool chromiumWoken_ = false;
 };
 
 // The registry's applications in its order; empty when it does not answer.

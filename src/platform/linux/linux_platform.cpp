@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "platform/linux/a11y_switch.h"
 #include "platform/linux/app_list.h"
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
@@ -85,6 +86,15 @@ std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
     if (!registryAnswers()) return nullptr;
     auto platform = std::make_shared<LinuxPlatform>(Key());
     platform->x11_ = std::move(x11);
+    // Applications that start from now on join the accessibility bus;
+    // Chromium-based ones already running without it never do.
+    switchAccessibilityOn();
+    std::vector<std::int32_t> registered;
+    for (const ListedApp& app : listApplications(nullptr)) registered.push_back(app.pid);
+    for (const UnreadableProgram& program : chromiumOutside(registered)) {
+        platform->log(program.program + " (process " + std::to_string(program.pid) +
+                      ") started while accessibility was off and cannot be read: restart it");
+    }
     return platform;
 }
 
@@ -171,6 +181,9 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
         r.activationPolicy = app.childCount == 0 ? 1 : 0;
         out.push_back(std::move(r));
     }
+    // A Chromium-based application just asked for its content has it a
+    // moment later (about 0.1 s): once in its life, the list waits for it.
+    if (appMemory_.takeChromiumWoken()) sleep(0.2);
     return out;
 }
 

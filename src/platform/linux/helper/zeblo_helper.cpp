@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -38,6 +39,11 @@ void detach(bool reportError) {
 
 int launch(char** command) {
     detach(true);
+    // Toolkits that read the session's accessibility switch only as they
+    // start (Chromium, Electron) or not at all (Qt, without the switch) join
+    // the accessibility bus all the same.
+    setenv("ACCESSIBILITY_ENABLED", "1", 1);
+    setenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1", 1);
     fcntl(kHelperChannel, F_SETFD, FD_CLOEXEC);  // closes with the exec: success
     execvp(command[0], command);
     const int error = errno;
