@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "platform/linux/bus_batch.h"
@@ -103,11 +104,12 @@ std::vector<UnreadableProgram> chromiumOutside(const std::vector<std::int32_t>& 
         const std::string path(exe, static_cast<std::size_t>(length));
         const std::string folder = path.substr(0, path.rfind('/') + 1);
         if (access((folder + "v8_context_snapshot.bin").c_str(), F_OK) != 0) continue;
+        // Chromium rewrites its helpers' command lines as one line, so the
+        // switch is looked for anywhere in it; the crash handler beside the
+        // program is no application either.
         std::ifstream cmdline(dir + "/cmdline");
-        std::string word;
-        bool helper = false;
-        while (!helper && std::getline(cmdline, word, '\0')) helper = word.rfind("--type=", 0) == 0;
-        if (helper) continue;
+        const std::string command{std::istreambuf_iterator<char>(cmdline), std::istreambuf_iterator<char>()};
+        if (command.find("--type=") != std::string::npos || path.find("crashpad") != std::string::npos) continue;
         found.push_back({static_cast<std::int32_t>(pid), path.substr(path.rfind('/') + 1)});
     }
     return found;

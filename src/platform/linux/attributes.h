@@ -23,6 +23,10 @@ struct Reading {
 
     bool has(AtspiStateType state) const;
     std::string name(bool* good = nullptr) const;
+    // Whether the node is a heading or paragraph whose text is carried by
+    // child elements (the inline text of a web page): its children show that
+    // text, so it gives no title or value of its own.
+    bool textInChildren() const;
 };
 
 inline AttributeRead ok(Value value) { return {kAXErrorSuccess, std::move(value)}; }

@@ -14,11 +14,19 @@ std::string Reading::name(bool* good) const {
     return item->name;
 }
 
+bool Reading::textInChildren() const {
+    if (role != ATSPI_ROLE_HEADING && role != ATSPI_ROLE_PARAGRAPH) return false;
+    if (item != nullptr && item->childCount >= 0) return item->childCount > 0;
+    Error error;
+    return atspi_accessible_get_child_count(object, out(error)) > 0 && !error;
+}
+
 std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view attribute) {
     if (attribute == "AXRole") return ok(axRole(r.node));
     if (attribute == "AXTitle") {
         // Labels and texts have their text as value, not as title.
         if (r.role == ATSPI_ROLE_LABEL || r.role == ATSPI_ROLE_STATIC || isTextRole(r.role)) return unsupported();
+        if (r.textInChildren()) return ok(std::string());
         bool good = false;
         std::string title = r.name(&good);
         if (!good) return AttributeRead{kAXErrorCannotComplete, {}};

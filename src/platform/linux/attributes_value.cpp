@@ -25,6 +25,7 @@ std::optional<AttributeRead> readValue(const Reading& r, std::string_view attrib
         return ok(std::int64_t{r.has(ATSPI_STATE_CHECKED) ? 1 : 0});
     }
     if (isTextRole(role)) {
+        if (r.textInChildren()) return ok(std::string());
         auto text = textOf(r);
         if (!text) return AttributeRead{kAXErrorCannotComplete, {}};
         if (role == ATSPI_ROLE_PASSWORD_TEXT) {

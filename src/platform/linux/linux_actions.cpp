@@ -15,8 +15,9 @@ namespace zeblo::platform::linux_desktop {
 namespace {
 
 // Matched without regard to case: GTK names its actions "click", Qt "Press"
-// and "Toggle".
-constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle"};
+// and "Toggle", Chromium a check box's "check" or "uncheck" (whichever the
+// press does).
+constexpr const char* kPressActions[] = {"click", "press", "activate", "toggle", "check", "uncheck"};
 
 bool isPressName(const std::string& name) {
     for (const char* press : kPressActions) {
@@ -145,7 +146,23 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
         const Ref<AtspiEditableText> editable =
             Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()));
-        if (!editable) return kAXErrorAttributeUnsupported;
+        if (!editable) {
+            // A field that only takes keys (a web page's input) is typed into
+            // while it has the focus and is empty. Its old text is never
+            // erased by keys: Chromium, where such fields are, comes down on
+            // a deletion or caret move while accessibility is on.
+            if (!hasState(n->object.get(), ATSPI_STATE_EDITABLE) || !hasState(n->object.get(), ATSPI_STATE_FOCUSED)) {
+                return kAXErrorAttributeUnsupported;
+            }
+            const Ref<AtspiText> old = Ref<AtspiText>::adopt(atspi_accessible_get_text_iface(n->object.get()));
+            Error error;
+            const gint length = old ? atspi_text_get_character_count(old.get(), out(error)) : 0;
+            if (error || length != 0) {
+                log("setAXValue: the field's text cannot be replaced, only typed into while it is empty");
+                return kAXErrorFailure;
+            }
+            return typeIntoEmptyField(*text) ? kAXErrorSuccess : kAXErrorFailure;
+        }
         Error error;
         const auto start = std::chrono::steady_clock::now();
         const gboolean done = atspi_editable_text_set_text_contents(editable.get(), text->c_str(), out(error));
@@ -168,10 +185,12 @@ SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::str
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
     if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_SENSITIVE)};
     if (!isTextRole(role)) return {kAXErrorSuccess, false};
-    if (!Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get()))) {
-        return {kAXErrorSuccess, false};
-    }
-    return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_EDITABLE)};
+    // Without the EditableText interface only the focused field can be
+    // written (by typing into it).
+    const bool editable =
+        Ref<AtspiEditableText>::adopt(atspi_accessible_get_editable_text_iface(n->object.get())) ||
+        hasState(n->object.get(), ATSPI_STATE_FOCUSED);
+    return {kAXErrorSuccess, editable && hasState(n->object.get(), ATSPI_STATE_EDITABLE)};
 }
 
 }  // namespace zeblo::platform::linux_desktop

@@ -190,4 +190,34 @@ void LinuxPlatform::postEvent(std::uint32_t /*tap*/, const Event& event) {
     }
 }
 
+bool LinuxPlatform::typeIntoEmptyField(std::string_view text) {
+    const auto locked = guard();
+    std::vector<std::pair<const KeyName*, bool>> keys;  // the key, and whether shifted
+    for (const char c : text) {
+        const auto sym = static_cast<KeySym>(static_cast<unsigned char>(c));
+        const KeyName* found = nullptr;
+        bool shifted = false;
+        for (const KeyName& k : kKeys) {
+            // Printable ASCII characters are their own keysyms.
+            if (found == nullptr && c >= 0x20 && c < 0x7f && (k.plain == sym || k.shifted == sym)) {
+                found = &k;
+                shifted = k.plain != sym;
+            }
+        }
+        if (found == nullptr) return false;
+        keys.emplace_back(found, shifted);
+    }
+    Display* display = x11_->display();
+    const auto stroke = [&](const KeyName& key, Modifiers modifiers) {
+        const bool pressed = keyboard_.press(display, key.code, KeyRequest{key.plain, key.shifted, modifiers});
+        if (pressed) keyboard_.release(display, key.code);
+        return pressed;
+    };
+    for (const auto& [key, shifted] : keys) {
+        if (!stroke(*key, shifted ? kShiftBit : 0)) return false;
+    }
+    x11_->serve(0);
+    return true;
+}
+
 }  // namespace zeblo::platform::linux_desktop

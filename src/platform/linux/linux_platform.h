@@ -137,6 +137,12 @@ public:
     // Handles the accessibility bus's queued signals without waiting.
     void drainEvents();
 
+    // Types `text` key by key into the focused, empty text field, for fields
+    // that take keys but offer no way to set their text (web pages' inputs).
+    // Only text the US key table can name is typed (false, and nothing
+    // pressed, otherwise).
+    bool typeIntoEmptyField(std::string_view text);
+
 private:
     // A handle that owns `payload` (a Node or a KeyEvent, with one reference).
     template <class H, class T>
