@@ -23,6 +23,7 @@ desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps
   gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
   x11-xkb-utils  # setxkbmap: the typing tests switch keyboard layouts
+  chromium       # a web page read and driven through accessibility
   qtbase5-dev qtbase5-examples  # the Qt test application; a Qt application with a menu bar
 )
 packages=("${build[@]}" "${tests[@]}")
