@@ -42,6 +42,11 @@ Element MacPlatform::createApplicationElement(std::int32_t pid) {
         ScopedCF<AXUIElementRef> app = ScopedCF<AXUIElementRef>::adopt(
             AXUIElementCreateApplication(static_cast<pid_t>(pid)));
         limitReplies(app.get());
+        // Chromium and Electron applications build their accessibility tree
+        // only for an assistive technology that asks for it this way; other
+        // applications refuse the attribute, which changes nothing.
+        const ScopedCF<CFStringRef> manual = makeCFString("AXManualAccessibility");
+        if (manual) (void)AXUIElementSetAttributeValue(app.get(), manual.get(), kCFBooleanTrue);
         return Element::adopt(this, rawHandle(app.release()));
     });
 }
