@@ -379,7 +379,12 @@
 ** back and the question is asked again for up to about 0.16 s (a window with
 ** nothing focusable pays this on every such call).  "AXSearchField" does not
 ** occur.  Values are written through the EditableText interface, so only
-** editable text fields take them.
+** editable text fields take them; a focused, editable field without that
+** interface (a web page's input in Chromium) takes a value only while it is
+** empty, by typing it key by key (characters of the US key table only), and
+** otherwise fails with the log line
+**     setAXValue: the field's text cannot be replaced, only typed into while it is empty
+** (erasing by keys brings Chromium down while accessibility is on).
 **
 ** Permission (zeblo_paste_into_focused_field).  There is none: the process
 ** counts as trusted when the accessibility registry answers, and no prompt
@@ -398,11 +403,27 @@
 **     limit, with no longer grace period for new applications; both are
 **     process-wide settings of libatspi, which a host that uses libatspi
 **     itself shares), and the last name, child count and answering state of
-**     each registered application (forgotten when it leaves the registry).  Opening the display installs, for the whole
+**     each registered application (forgotten when it leaves the registry),
+**     with whether it was asked for its content (below).  Opening the display installs, for the whole
 **     process, an Xlib error handler that ignores every error (a window that
 **     has gone away is not worth ending the host for); a host that uses Xlib
 **     itself and needs its own handler installs it again after its first
 **     call.
+**   - What the library changes for the whole session, at its first call:
+**     the accessibility switch org.a11y.Status.IsEnabled (session bus,
+**     org.a11y.Bus, /org/a11y/bus) is set to true when it is false, and
+**     left on.  Applications built on Chromium (Chromium, Electron
+**     applications) join the accessibility bus only when the switch is on
+**     as they start; one already running without it cannot be read, and
+**     the first call logs for each such main process
+**         PROGRAM (process PID) started while accessibility was off and cannot be read: restart it
+**     Applications the library launches also get ACCESSIBILITY_ENABLED=1
+**     and QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 in their environment.
+**   - Each registered application is asked once, when the list first sees
+**     it answer, for its root object's attributes (GetAttributes): that is
+**     what makes Chromium expose a page's content.  When one of them is
+**     built on Chromium (its toolkit name says so), the call that asked
+**     pauses 0.2 s, once in that application's life, for the content to come.
 **   - One lock for the process (a recursive mutex) around libatspi and Xlib,
 **     which are not thread-safe.  It is held by each step of the backend
 **     (an attribute read, an action, a key event, a workspace or clipboard
