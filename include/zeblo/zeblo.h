@@ -324,10 +324,18 @@
 **
 ** Launching (zeblo_launch_app, zeblo_focus_app with shouldLaunch).  "" is
 ** refused.  A running application of exactly that name is activated instead
-** (the answer is the activation's).  Otherwise the first Exec line of
-** /usr/share/applications/NAME.desktop or
-** /usr/local/share/applications/NAME.desktop (split at blanks, field codes
-** such as %U dropped), else NAME itself, looked up in PATH, is started
+** (the answer is the activation's).  Otherwise, so that the name zeblo
+** apps lists (an application's accessible name, "Chromium" or "Application
+** Example", rarely its program's) launches it too, the command is the Exec
+** line (split at blanks, field codes such as %U dropped) of the first
+** desktop entry, in applications/ under XDG_DATA_HOME (or ~/.local/share),
+** then XDG_DATA_DIRS (or /usr/local/share:/usr/share), files in name order,
+** Hidden ones passed over, whose Name or Name in the locale's language equals
+** NAME, or whose file name without ".desktop", StartupWMClass or Exec
+** program (without its directory) equals it ignoring ASCII case; else the
+** executable of a process the application list showed under NAME earlier in
+** this process (up to 256 names remembered); else NAME itself, looked up in
+** PATH.  It is started
 ** detached through the helper (see Processes: a session of its own, adopted
 ** by init, standard input, output and error on /dev/null).  True when the
 ** program could be executed (the call waits up to 2 s to know).
@@ -404,7 +412,8 @@
 **     process-wide settings of libatspi, which a host that uses libatspi
 **     itself shares), and the last name, child count and answering state of
 **     each registered application (forgotten when it leaves the registry),
-**     with whether it was asked for its content (below).  Opening the display installs, for the whole
+**     with whether it was asked for its content (below); the executable of
+**     each name the list showed (at most 256 names, for launching by name).  Opening the display installs, for the whole
 **     process, an Xlib error handler that ignores every error (a window that
 **     has gone away is not worth ending the host for); a host that uses Xlib
 **     itself and needs its own handler installs it again after its first

@@ -30,29 +30,6 @@ bool sessionBusReachable() {
     return stat((std::string(runtime) + "/bus").c_str(), &st) == 0;
 }
 
-// The command of a desktop entry named `name` (its file name without
-// ".desktop"): the Exec line without field codes.
-std::vector<std::string> desktopEntryCommand(const std::string& name) {
-    for (const char* dir : {"/usr/share/applications/", "/usr/local/share/applications/"}) {
-        std::ifstream file(std::string(dir) + name + ".desktop");
-        std::string line;
-        while (file && std::getline(file, line)) {
-            if (line.rfind("Exec=", 0) != 0) continue;
-            std::vector<std::string> words;
-            std::size_t at = 5;
-            while (at < line.size()) {
-                const std::size_t end = line.find(' ', at);
-                std::string word = line.substr(at, end == std::string::npos ? std::string::npos : end - at);
-                if (!word.empty() && word[0] != '%') words.push_back(word);
-                if (end == std::string::npos) break;
-                at = end + 1;
-            }
-            return words;
-        }
-    }
-    return {};
-}
-
 // The GLib context libatspi dispatches on, made once and kept for the
 // process's life (libatspi keeps using it).
 GMainContext* privateContext() {
@@ -175,6 +152,7 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
         if (app.pid == 0 || !app.name) continue;  // gone meanwhile
         RunningApp r;
         r.pid = app.pid;
+        launchNames_.listed(*app.name, app.pid);
         if (!app.name->empty()) r.localizedName = std::move(*app.name);
         // No window: a background helper. One that never answered counts as
         // a regular application.
@@ -211,7 +189,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
     for (const RunningApp& app : runningApplications()) {
         if (app.localizedName == wanted) return activateApplication(app, kActivateIgnoringOtherApps);
     }
-    std::vector<std::string> command = desktopEntryCommand(wanted);
+    std::vector<std::string> command = launchNames_.commandFor(wanted);
     if (!command.empty() && launchDetached(command)) return true;
     return launchDetached({wanted});
 }

@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "platform/linux/app_list.h"
+#include "platform/linux/launch_names.h"
 #include "platform/linux/live_count.h"
 #include "platform/linux/owned.h"
 #include "platform/linux/survey.h"
@@ -155,6 +156,7 @@ private:
     X11Keyboard keyboard_;          // the keys postEvent holds
     std::uint64_t generation_ = 0;  // see touch()
     AppMemory appMemory_;           // the application list's names
+    LaunchNames launchNames_;       // listed names' executables, for launching
     // Serialises the backend's use of libatspi and Xlib across threads.
     std::recursive_mutex lock_;
 };
