@@ -1,15 +1,18 @@
 // Real-desktop benchmarks, run inside a desktop session
-// (scripts/bench-desktop.sh): the menu snapshot of l3afpad and the text of
-// gtk3-widget-factory's window through the C exports, then the same two walks
-// done with pyatspi in the same session, and the ratio of the medians; last,
-// the cost of finding an application among many, and beside one that has
-// stopped answering.
+// (scripts/bench-desktop.sh): a menu snapshot and a window's text through the
+// C exports, on GTK (l3afpad, gtk3-widget-factory) and on Qt (Qt's menus and
+// standard dialogs examples), then the same walks done with pyatspi in the
+// same session, and the ratio of the medians; the text of a web page of 200
+// elements in Chromium; last, the cost of finding an application among many,
+// and beside one that has stopped answering.
 #include <benchmark/benchmark.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <utility>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -25,27 +28,47 @@ constexpr const char* kMenuApp = "l3afpad";
 constexpr const char* kTextApp = "gtk3-widget-factory";
 constexpr int kPythonRepetitions = 15;
 
+// The walks' applications by toolkit (range(0) of the walk benchmarks): what
+// to launch and the name it registers with.
+struct Toolkit {
+    const char* label;
+    const char* menuLaunch;
+    const char* menuApp;
+    const char* textLaunch;
+    const char* textApp;
+};
+#define ZEBLO_QT_EXAMPLES "/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/"
+constexpr Toolkit kToolkits[] = {
+    {"GTK", kMenuApp, kMenuApp, kTextApp, kTextApp},
+    {"Qt", ZEBLO_QT_EXAMPLES "mainwindows/menus/menus", "menus", ZEBLO_QT_EXAMPLES "dialogs/standarddialogs/standarddialogs",
+     "standarddialogs"},
+};
+
 void BM_MenuSnapshot(benchmark::State& state) {
+    const char* app = kToolkits[state.range(0)].menuApp;
     std::size_t bytes = 0;
     for (auto _ : state) {
-        const char* json = zeblo_get_app_menus(kMenuApp);
+        const char* json = zeblo_get_app_menus(app);
         bytes = std::string(json).size();
         zeblo_free_string(json);
     }
     state.counters["bytes"] = static_cast<double>(bytes);
 }
-BENCHMARK(BM_MenuSnapshot)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_MenuSnapshot)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_WindowText(benchmark::State& state) {
+    const char* app = state.range(0) < 2 ? kToolkits[state.range(0)].textApp : "Chromium";
+    const char* window = state.range(0) < 2 ? nullptr : "Zeblo Bench Page - Chromium";
     std::size_t lines = 0;
     for (auto _ : state) {
-        const char* json = zeblo_get_window_text(kTextApp, nullptr);
+        const char* json = zeblo_get_window_text(app, window);
         lines = nlohmann::json::parse(json, nullptr, false).size();
         zeblo_free_string(json);
     }
     state.counters["lines"] = static_cast<double>(lines);
 }
-BENCHMARK(BM_WindowText)->Unit(benchmark::kMillisecond)->UseRealTime();
+// 0: GTK, 1: Qt, 2: a page of 200 elements in Chromium.
+BENCHMARK(BM_WindowText)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // Other applications on the desktop, started on demand and ended at exit.
 std::vector<pid_t> g_crowd;
@@ -146,18 +169,43 @@ public:
 };
 
 bool prepare() {
-    for (const char* app : {kMenuApp, kTextApp}) {
-        if (!zeblo_launch_app(app) || !zeblo_wait_for_window(app, nullptr, 0, 20000)) {
-            std::fprintf(stderr, "%s did not start\n", app);
-            return false;
+    for (const Toolkit& toolkit : kToolkits) {
+        for (const auto& [launch, app] : {std::pair{toolkit.menuLaunch, toolkit.menuApp}, {toolkit.textLaunch, toolkit.textApp}}) {
+            if (!zeblo_launch_app(launch) || !zeblo_wait_for_window(app, nullptr, 0, 20000)) {
+                std::fprintf(stderr, "%s did not start\n", app);
+                return false;
+            }
         }
+    }
+    // A page of 200 elements: 50 each of headings, buttons, check boxes and
+    // text fields.
+    const std::string page = "/tmp/zeblo-bench-page.html";
+    std::ofstream html(page);
+    html << "<!doctype html><title>Zeblo Bench Page</title>";
+    for (int i = 0; i < 50; ++i) {
+        html << "<h2>Section " << i << "</h2><button>Button " << i << "</button><label><input type=checkbox> Box " << i
+             << "</label><input aria-label='Field " << i << "'>";
+    }
+    html.close();
+    const std::string chromium = "chromium --no-sandbox --no-first-run --disable-gpu --user-data-dir=/tmp/zeblo-bench-"
+                                 "profile file://" + page + " >/dev/null 2>&1 &";
+    if (std::system(chromium.c_str()) != 0 || !zeblo_wait_for_window("Chromium", "Zeblo Bench Page - Chromium", 0, 30000)) {
+        std::fprintf(stderr, "Chromium did not show the page\n");
+        return false;
+    }
+    for (int i = 0; i < 100; ++i) {  // the page's content comes a moment after the window
+        const char* json = zeblo_get_window_text("Chromium", "Zeblo Bench Page - Chromium");
+        const bool there = std::string(json).find("Field 49") != std::string::npos;
+        zeblo_free_string(json);
+        if (there) break;
+        usleep(50 * 1000);
     }
     return true;
 }
 
-nlohmann::json pyatspiMedians(const char* script) {
-    const std::string command = std::string("/usr/bin/python3 ") + script + " " + kMenuApp + " " + kTextApp + " " +
-                                std::to_string(kPythonRepetitions);
+nlohmann::json pyatspiMedians(const char* script, const Toolkit& toolkit) {
+    const std::string command = std::string("/usr/bin/python3 ") + script + " " + toolkit.menuApp + " " +
+                                toolkit.textApp + " " + std::to_string(kPythonRepetitions);
     std::string out;
     if (FILE* pipe = popen(command.c_str(), "r")) {
         char buffer[4096];
@@ -178,20 +226,26 @@ int main(int argc, char** argv) {
     benchmark::Shutdown();
     endCrowd();
 
-    const nlohmann::json python = pyatspiMedians(ZEBLO_PYATSPI_WALKS);
-    if (!python.is_object()) {
-        std::fprintf(stderr, "the pyatspi walks failed\n");
-        return 1;
-    }
     std::printf("\n%-40s %10s %10s %7s\n", "walk (median)", "ZEBLOui", "pyatspi", "ratio");
-    const std::pair<const char*, const char*> rows[] = {{"BM_MenuSnapshot", "menus_ms"}, {"BM_WindowText", "text_ms"}};
-    for (const auto& [ours, theirs] : rows) {
-        const double a = reporter.medianMs[ours];
-        const double b = python.value(theirs, 0.0);
-        std::printf("%-40s %8.2f ms %8.2f ms %6.1fx\n", ours, a, b, a > 0 ? b / a : 0.0);
+    for (std::size_t t = 0; t < std::size(kToolkits); ++t) {
+        const Toolkit& toolkit = kToolkits[t];
+        const nlohmann::json python = pyatspiMedians(ZEBLO_PYATSPI_WALKS, toolkit);
+        if (!python.is_object()) {
+            std::fprintf(stderr, "the pyatspi walks failed on %s\n", toolkit.label);
+            return 1;
+        }
+        const std::pair<const char*, const char*> rows[] = {{"BM_MenuSnapshot", "menus_ms"}, {"BM_WindowText", "text_ms"}};
+        for (const auto& [ours, theirs] : rows) {
+            const std::string name = std::string(ours) + "/" + std::to_string(t);
+            const double a = reporter.medianMs[name];
+            const double b = python.value(theirs, 0.0);
+            std::printf("%-40s %8.2f ms %8.2f ms %6.1fx\n", (name + " (" + toolkit.label + ")").c_str(), a, b,
+                        a > 0 ? b / a : 0.0);
+        }
+        std::printf("(menus of %s; text of %s's window, %d elements)\n", toolkit.menuApp, toolkit.textApp,
+                    python.value("text_elements", 0));
     }
-    std::printf("(menus of %s; text of %s's window, %d elements)\n", kMenuApp, kTextApp,
-                python.value("text_elements", 0));
+    std::printf("text of a Chromium page of 200 elements: %.2f ms (median)\n", reporter.medianMs["BM_WindowText/2"]);
     std::printf("lookup beside a stopped application: %+.2f ms (median, against a healthy one)\n",
                 reporter.medianMs["BM_LookupBesideStoppedApp/1"] - reporter.medianMs["BM_LookupBesideStoppedApp/0"]);
     return 0;

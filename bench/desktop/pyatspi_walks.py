@@ -11,6 +11,7 @@ import sys
 import time
 
 import pyatspi
+from gi.repository import GLib
 
 TEXT_ROLES = {pyatspi.ROLE_TEXT, pyatspi.ROLE_ENTRY, pyatspi.ROLE_PASSWORD_TEXT, pyatspi.ROLE_PARAGRAPH}
 LABEL_ROLES = {pyatspi.ROLE_LABEL, pyatspi.ROLE_STATIC}
@@ -48,7 +49,7 @@ def menu_item(item, path):
               "checked": states.contains(pyatspi.STATE_CHECKED)}
     try:
         record["key"] = item.queryAction().getKeyBinding(0)
-    except NotImplementedError:
+    except (NotImplementedError, GLib.GError):  # no actions; Qt: an item without its action object
         pass
     children = [menu_item(child, path + [item.name]) for child in item if child is not None]
     if children:

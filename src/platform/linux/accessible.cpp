@@ -114,8 +114,11 @@ std::vector<AccessibleRef> windowsOf(AtspiAccessible* app) {
     for (AccessibleRef& child : childrenOf(app)) {
         if (!child) continue;
         const AtspiRole role = roleOfObject(child.get());
-        const bool keep = isWindowRole(role) && hasState(child.get(), ATSPI_STATE_SHOWING) &&
-                          (role != ATSPI_ROLE_WINDOW || !nameOf(child.get()).empty());
+        // Qt gives a window that is a plain widget (no main window, no
+        // dialog) the filler role; it counts when it has a title.
+        const bool needsName = role == ATSPI_ROLE_WINDOW || role == ATSPI_ROLE_FILLER;
+        const bool keep = (isWindowRole(role) || role == ATSPI_ROLE_FILLER) &&
+                          hasState(child.get(), ATSPI_STATE_SHOWING) && (!needsName || !nameOf(child.get()).empty());
         if (keep) {
             windows.push_back(std::move(child));
         } else {
