@@ -24,7 +24,7 @@ desktop=(
   gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
   x11-xkb-utils  # setxkbmap: the typing tests switch keyboard layouts
   chromium       # a web page read and driven through accessibility
-  qtbase5-dev qtbase5-examples  # the Qt test application; a Qt application with a menu bar
+  qtbase5-dev qt6-base-dev qtbase5-examples  # the Qt test application (Qt 5 and 6); Qt applications with menus
 )
 packages=("${build[@]}" "${tests[@]}")
 extra=()

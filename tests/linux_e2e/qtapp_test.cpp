@@ -10,27 +10,32 @@ namespace {
 
 using namespace e2e;
 
-constexpr const char* kApp = "zeblo-qtapp";
+// The test application as built against each Qt found (Qt 5, Qt 6), and the
+// name it registers with; the build under test is kApp.
+struct QtBuild {
+    const char* path;
+    const char* app;
+};
+const std::vector<QtBuild> kBuilds = {
+#ifdef ZEBLO_QTAPP_PATH
+    {ZEBLO_QTAPP_PATH, "zeblo-qtapp"},
+#endif
+#ifdef ZEBLO_QT6APP_PATH
+    {ZEBLO_QT6APP_PATH, "zeblo-qt6app"},
+#endif
+};
+const char* kApp = nullptr;
 constexpr const char* kWindow = "Zeblo Qt Test";
 
-class QtApp : public DesktopTest {
+class QtApp : public DesktopTest, public ::testing::WithParamInterface<QtBuild> {
 protected:
-    static void SetUpTestSuite() {
-#ifdef ZEBLO_QTAPP_PATH
-        if (!desktopAvailable()) return;
-        if (!isRunning(kApp)) {
-            setenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1", 1);
-            ASSERT_TRUE(zeblo_launch_app(ZEBLO_QTAPP_PATH));
-        }
-        ASSERT_TRUE(zeblo_wait_for_window(kApp, kWindow, 0, 20000)) << "the Qt test application did not start";
-#endif
-    }
-
     void SetUp() override {
-#ifndef ZEBLO_QTAPP_PATH
-        GTEST_SKIP() << "built without Qt 5";
-#endif
         if (!desktopAvailable()) GTEST_SKIP() << "no display";
+        kApp = GetParam().app;
+        if (!isRunning(kApp)) {
+            ASSERT_TRUE(zeblo_launch_app(GetParam().path));
+            ASSERT_TRUE(zeblo_wait_for_window(kApp, kWindow, 0, 20000)) << "the Qt test application did not start";
+        }
         ASSERT_TRUE(zeblo_focus_app(kApp, kWindow, true, false, 5000));
         ASSERT_TRUE(eventually([] { return inFront(kApp, kWindow); }));
     }
@@ -45,7 +50,7 @@ protected:
 
 // The snapshot, paths that exist and are enabled, a click, and a keystroke
 // sent back from a snapshot's key equivalent.
-TEST_F(QtApp, MenusReadClickAndSendTheirKeys) {
+TEST_P(QtApp, MenusReadClickAndSendTheirKeys) {
     const json snapshot = takeJson(zeblo_get_app_menus(kApp));
     ASSERT_TRUE(snapshot.is_object() && snapshot.contains("menus")) << snapshot.dump();
     const json& menus = snapshot["menus"];
@@ -78,7 +83,7 @@ TEST_F(QtApp, MenusReadClickAndSendTheirKeys) {
     EXPECT_TRUE(status("First Page"));
 }
 
-TEST_F(QtApp, ButtonsCheckBoxesAndTheComboBox) {
+TEST_P(QtApp, ButtonsCheckBoxesAndTheComboBox) {
     const json buttons = takeJson(zeblo_get_window_buttons(kApp, kWindow));
     EXPECT_NE(std::find(buttons.begin(), buttons.end(), "Press Me"), buttons.end()) << buttons.dump();
     ASSERT_TRUE(zeblo_click_button(kApp, kWindow, "Press Me"));
@@ -99,7 +104,7 @@ TEST_F(QtApp, ButtonsCheckBoxesAndTheComboBox) {
     EXPECT_TRUE(eventually([&] { return zeblo_send_global_keystroke(&escape, 1, 0) && zeblo_is_in_text_field(); }));
 }
 
-TEST_F(QtApp, TextReachesTheFocusedLineEdit) {
+TEST_P(QtApp, TextReachesTheFocusedLineEdit) {
     ASSERT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
     ASSERT_TRUE(zeblo_paste_into_focused_field("direct", false));
     EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, "[AXTextField] direct\n"); }))
@@ -110,7 +115,7 @@ TEST_F(QtApp, TextReachesTheFocusedLineEdit) {
         << windowText(kApp, kWindow);
 }
 
-TEST_F(QtApp, DialogOpensFromTheMenuAndCloses) {
+TEST_P(QtApp, DialogOpensFromTheMenuAndCloses) {
     const json info = takeJson(zeblo_get_frontmost_info());
     EXPECT_EQ(info, json({{"app", kApp}, {"window", kWindow}}));
     ASSERT_TRUE(click({"File", "Open Dialog…"}));
@@ -124,5 +129,9 @@ TEST_F(QtApp, DialogOpensFromTheMenuAndCloses) {
     EXPECT_FALSE(zeblo_window_exists(kApp, "Qt Test Dialog"));
     EXPECT_TRUE(status("dialog closed"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Builds, QtApp, ::testing::ValuesIn(kBuilds),
+                         [](const auto& info) { return std::string(info.param.app).substr(6); });
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(QtApp);  // built without Qt
 
 }  // namespace

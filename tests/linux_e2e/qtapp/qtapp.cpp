@@ -16,7 +16,7 @@
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    QApplication::setApplicationName("zeblo-qtapp");
+    QApplication::setApplicationName(ZEBLO_QTAPP_NAME);
     QMainWindow window;
     window.setWindowTitle("Zeblo Qt Test");
     window.resize(500, 400);
