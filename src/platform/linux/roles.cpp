@@ -96,10 +96,12 @@ AtspiRole roleOf(Node& node) {
             node.role = node.object ? roleOfObject(node.object.get()) : ATSPI_ROLE_INVALID;
         }
         // A check box drawn in a tree view (a checklist) is a table cell whose
-        // first action is "toggle" (in any case): it reads and acts as a check box. Cells
-        // with text are never toggles, so they cost no round trip.
+        // first action is GTK's "toggle": it reads and acts as a check box. The
+        // name is compared exactly: Qt gives every cell of its item views a
+        // "Toggle" action, which selects the cell and leaves its check mark
+        // alone. Cells with text are never toggles, so they cost no round trip.
         if (*node.role == ATSPI_ROLE_TABLE_CELL && (item == nullptr || (item->hasAction && !item->hasText)) &&
-            g_ascii_strcasecmp(firstActionOf(node.object.get()).c_str(), "toggle") == 0) {
+            firstActionOf(node.object.get()) == "toggle") {
             node.role = ATSPI_ROLE_CHECK_BOX;
         }
     }

@@ -4,7 +4,9 @@
 
 #include <dbus/dbus.h>
 
+#include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include "platform/linux/bus_batch.h"
@@ -44,7 +46,56 @@ std::string readString(DBusMessageIter* it) {
     return text != nullptr ? text : "";
 }
 
+// The calls that read one object without GetItems: what GetItems gives of
+// it, and its child list (the last).
+constexpr std::size_t kCallsPerObject = 6;
+
+void appendObjectCalls(std::vector<Message>& calls, const char* bus, const char* path) {
+    calls.push_back(methodCall(bus, path, kAccessible, "GetRole"));
+    calls.push_back(propertyCall(bus, path, kAccessible, "Name"));
+    calls.push_back(propertyCall(bus, path, kAccessible, "Description"));
+    calls.push_back(methodCall(bus, path, kAccessible, "GetState"));
+    calls.push_back(methodCall(bus, path, kAccessible, "GetInterfaces"));
+    calls.push_back(methodCall(bus, path, kAccessible, "GetChildren"));
+}
+
+// The item the answers to appendObjectCalls' calls describe (its parent and
+// children not set), or nothing when the object is gone or answers oddly.
+std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
+    dbus_uint32_t role = 0;
+    const char* name = stringAnswer(answer[1]);
+    const char* description = stringAnswer(answer[2]);
+    const auto states = uint32sAnswer(answer[3]);
+    const auto interfaces = stringsAnswer(answer[4]);
+    if (!uint32Answer(answer[0], &role) || name == nullptr || description == nullptr || !states || !interfaces) {
+        return std::nullopt;
+    }
+    Survey::Item item;
+    item.role = static_cast<AtspiRole>(role);
+    item.name = name;
+    item.description = description;
+    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
+        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
+    }
+    for (const std::string& interface : *interfaces) {
+        item.hasAction |= interface == "org.a11y.atspi.Action";
+        item.hasText |= interface == "org.a11y.atspi.Text";
+    }
+    item.childCount = -1;
+    return item;
+}
+
+// How far a survey read level by level goes: objects below are read live.
+constexpr int kMaxLevels = 64;
+constexpr std::size_t kMaxLevelObjects = 4096;
+
 }  // namespace
+
+// libatspi's own lookup of the object at a bus name and path (a new
+// reference). libatspi exports it without declaring it; declared weak, it is
+// null where a libatspi lacks it, and surveys level by level are then not
+// taken.
+extern "C" AtspiAccessible* _atspi_ref_accessible(const char* app, const char* path) __attribute__((weak));
 
 std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t generation) {
     if (root == nullptr || busOf(root) == nullptr) return nullptr;
@@ -52,7 +103,11 @@ std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t 
     survey->generation_ = generation;
     // An application that does not answer the bulk read gets an empty
     // survey: the walk reads live and does not ask again at every level.
-    if (survey->read(root)) survey->linkChildren(root);
+    if (survey->read(root)) {
+        survey->linkChildren(root);
+    } else if (survey->bus_ != nullptr) {
+        survey->readLevels(root);
+    }
     return survey;
 }
 
@@ -190,53 +245,67 @@ void Survey::complete() const {
         if (items_.count(path) == 0) uncached.push_back(&path);
     }
     if (uncached.empty()) return;
-    constexpr std::size_t kCalls = 6;
     std::vector<Message> calls;
-    calls.reserve(uncached.size() * kCalls);
-    for (const std::string* path : uncached) {
-        const char* bus = busName_.c_str();
-        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetRole"));
-        calls.push_back(propertyCall(bus, path->c_str(), kAccessible, "Name"));
-        calls.push_back(propertyCall(bus, path->c_str(), kAccessible, "Description"));
-        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetState"));
-        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetInterfaces"));
-        calls.push_back(methodCall(bus, path->c_str(), kAccessible, "GetChildren"));
-    }
+    calls.reserve(uncached.size() * kCallsPerObject);
+    for (const std::string* path : uncached) appendObjectCalls(calls, busName_.c_str(), path->c_str());
     const std::vector<Message> answers = callAll(bus_, calls);
     std::vector<std::pair<const std::string*, Item*>> added;
     for (std::size_t i = 0; i < uncached.size(); ++i) {
-        const Message* answer = &answers[i * kCalls];
-        dbus_uint32_t role = 0;
-        const char* name = stringAnswer(answer[1]);
-        const char* description = stringAnswer(answer[2]);
-        const auto states = uint32sAnswer(answer[3]);
-        const auto interfaces = stringsAnswer(answer[4]);
-        if (!uint32Answer(answer[0], &role) || name == nullptr || description == nullptr || !states || !interfaces) {
-            continue;  // gone meanwhile, or answering oddly: read live
-        }
-        Item item;
-        item.role = static_cast<AtspiRole>(role);
-        item.name = name;
-        item.description = description;
-        for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
-            item.states |= std::uint64_t{(*states)[word]} << (32 * word);
-        }
-        for (const std::string& interface : *interfaces) {
-            item.hasAction |= interface == "org.a11y.atspi.Action";
-            item.hasText |= interface == "org.a11y.atspi.Text";
-        }
+        std::optional<Item> item = itemFromAnswers(&answers[i * kCallsPerObject]);
+        if (!item) continue;  // read live
         const auto parent = parentOfUncached_.find(*uncached[i]);
-        if (parent != parentOfUncached_.end()) item.parentPath = parent->second;
-        item.childCount = -1;
-        added.emplace_back(uncached[i], &items_.emplace(*uncached[i], std::move(item)).first->second);
+        if (parent != parentOfUncached_.end()) item->parentPath = parent->second;
+        added.emplace_back(uncached[i], &items_.emplace(*uncached[i], std::move(*item)).first->second);
     }
     // The child lists once every new item is in place, so that they can name
     // their children's parent.
     for (std::size_t i = 0, k = 0; i < uncached.size() && k < added.size(); ++i) {
         if (added[k].first != uncached[i]) continue;
-        takeChildren(*uncached[i], *added[k].second, answers[i * kCalls + 5]);
+        takeChildren(*uncached[i], *added[k].second, answers[(i + 1) * kCallsPerObject - 1]);
         settle(*uncached[i], *added[k].second);
         ++k;
+    }
+}
+
+void Survey::readLevels(AtspiAccessible* root) {
+    // Without GetItems (Qt has none) the tree under the root is read level
+    // by level: one batch per level asks every object of the level for what
+    // GetItems would have given and for its children, which make the next
+    // level. A walk then pays about one round trip per level of the tree,
+    // not several per element.
+    if (_atspi_ref_accessible == nullptr) return;
+    completed_ = true;  // what the levels do not reach is read live
+    objects_.push_back(AccessibleRef::retain(root));
+    std::vector<std::string> level{pathOf(root)};
+    under_.emplace(level.front(), root);
+    std::size_t read = 0;
+    for (int depth = 0; depth < kMaxLevels && !level.empty() && read < kMaxLevelObjects; ++depth) {
+        level.resize(std::min(level.size(), kMaxLevelObjects - read));
+        read += level.size();
+        std::vector<Message> calls;
+        calls.reserve(level.size() * kCallsPerObject);
+        for (const std::string& path : level) appendObjectCalls(calls, busName_.c_str(), path.c_str());
+        const std::vector<Message> answers = callAll(bus_, calls);
+        std::vector<std::string> next;
+        for (std::size_t i = 0; i < level.size(); ++i) {
+            std::optional<Item> item = itemFromAnswers(&answers[i * kCallsPerObject]);
+            if (!item) continue;  // read live, and so is what is under it
+            const Message& childList = answers[(i + 1) * kCallsPerObject - 1];
+            for (const auto& [bus, path] : referencesAnswer(childList).value_or(std::vector<Reference>{})) {
+                if (bus != busName_ || under_.count(path) != 0) continue;
+                AccessibleRef child = AccessibleRef::adopt(_atspi_ref_accessible(bus.c_str(), path.c_str()));
+                if (!child) continue;
+                under_.emplace(path, child.get());
+                objects_.push_back(std::move(child));
+                next.push_back(path);
+            }
+            const auto parent = parentOfUncached_.find(level[i]);
+            if (parent != parentOfUncached_.end()) item->parentPath = parent->second;
+            Item& stored = items_.insert_or_assign(level[i], std::move(*item)).first->second;
+            takeChildren(level[i], stored, childList);
+            settle(level[i], stored);
+        }
+        level = std::move(next);
     }
 }
 

@@ -2,12 +2,15 @@
 // over its elements starts, so that the walk does not pay a D-Bus round trip
 // for every role, name, description, state set and child list it reads.
 //
-// Two calls make a survey:
+// Two calls make a survey where the application answers GetItems:
 // - org.a11y.atspi.Cache.GetItems on the application gives, for every object
 //   the application caches, its name, role, description, states, child
 //   count, parent and index in the parent;
 // - one Collection match under the walk's root gives the AtspiAccessible
 //   objects of every descendant, which the walk's element nodes refer to.
+//
+// An application without GetItems (Qt) is read level by level instead, one
+// batch of calls per level of the tree under the root.
 //
 // Element nodes created during the walk share the survey and it dies with the
 // last of them, so nothing read stays after the operation returns. A survey is
@@ -85,6 +88,8 @@ public:
 private:
     bool read(AtspiAccessible* root);
     void linkChildren(AtspiAccessible* root);
+    // The survey of an application without GetItems, read level by level.
+    void readLevels(AtspiAccessible* root);
 
     using ByPath = std::unordered_map<std::string, std::string>;
     // What `table` holds for `object`, an object under the root; `read` fills
