@@ -18,6 +18,7 @@ build=(
 tests=(
   clang libgtest-dev libgmock-dev libbenchmark-dev
   libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
+  libc++-dev libc++abi-dev  # the macOS backend's syntax check compiles against libc++, as on a Mac
 )
 desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps

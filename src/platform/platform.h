@@ -235,7 +235,9 @@ public:
     virtual bool activateApplication(const RunningApp& app, std::uint64_t options) = 0;
 
     // General pasteboard. `pasteboardItems` gives nothing when the pasteboard
-    // has no item list at all.
+    // has no item list at all. `canReadPasteboard` tells whether its data can
+    // be read now without the system asking the user (or refusing).
+    virtual bool canReadPasteboard() { return true; }
     virtual std::optional<std::vector<PasteboardItem>> pasteboardItems() = 0;
     virtual void clearPasteboard() = 0;
     virtual bool setPasteboardString(std::string_view text, std::string_view type) = 0;

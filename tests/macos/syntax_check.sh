@@ -1,11 +1,20 @@
 #!/usr/bin/env bash
-# Parses every Objective-C++ file of the macOS backend (src/platform/macos/*.mm)
-# with clang against the declarations in tests/apple_sdk, on a machine without
-# the Apple SDK. Nothing is linked or run: this catches code that would not
-# compile on a Mac (a wrong type, a call that does not match its declaration,
-# a missing bridge cast under ARC, the log line used as a format).
+# Compiles every Objective-C++ file of the macOS backend (src/platform/macos/*.mm)
+# with clang for an Apple target, against the declarations in tests/apple_sdk
+# (which carry Apple's nullability and availability annotations), on a machine
+# without the Apple SDK. Nothing is linked or run: this catches code that would
+# not compile on a Mac (a wrong type, a call that does not match its
+# declaration, a missing bridge cast under ARC, the log line used as a format,
+# a null where Apple forbids one, an API newer than the deployment target
+# called without @available).
 #
-# Usage: syntax_check.sh [CLANGXX]        (default: clang++)
+# Usage: syntax_check.sh [CLANGXX [DEPLOYMENT_TARGET]]   (defaults: clang++, 11.0)
+#
+# Each file is compiled three times: for the deployment target with BOOL as
+# on Intel (signed char) and as on Apple silicon (bool), and for macOS 15.4,
+# where whatever was deprecated up to it (macOS 14's activation options, say)
+# is an error. libc++ is the standard library, as on a Mac; the C library's
+# headers are this machine's.
 #
 # Before the backend itself, the check proves that it can fail: a few small
 # snippets with known mistakes must be rejected. Then it makes sure that no
@@ -14,13 +23,24 @@ set -u
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
 cxx="${1:-clang++}"
+minimum="${2:-11.0}"
 backend="$root/src/platform/macos"
+multiarch="$(gcc -print-multiarch 2>/dev/null || echo x86_64-linux-gnu)"
 
 flags=(
-  -fsyntax-only -x objective-c++ -std=c++20
-  -fobjc-arc -fobjc-exceptions -fobjc-runtime=macosx-13.0
+  -fsyntax-only -x objective-c++ -std=c++20 -stdlib=libc++
+  -fobjc-arc -fobjc-exceptions
+  # Apple's clang spells _Nonnull as __nonnull, which glibc uses for its own
+  # attribute macro; _GNU_SOURCE is what libc++ expects of glibc.
+  -U__nonnull -D_GNU_SOURCE -idirafter "/usr/include/$multiarch"
   -isystem "$root/tests/apple_sdk" -I "$root/src" -I "$root/include"
-  -Wall -Wextra -Wpedantic -Werror -Wformat-security -Wno-unused-command-line-argument
+  -Wall -Wextra -Wpedantic -Werror -Wformat-security -Wunguarded-availability -Wno-unused-command-line-argument
+)
+oldest=(-target "x86_64-apple-macos$minimum")
+targets=(
+  "-target x86_64-apple-macos$minimum"
+  "-target x86_64-apple-macos$minimum -DZEBLO_SDK_BOOL_IS_BOOL"
+  "-target x86_64-apple-macos15.4"
 )
 
 failures=0
@@ -33,27 +53,29 @@ fail() {
 scratch="$(mktemp -d)"
 trap 'rm -rf "$scratch"' EXIT
 
-# Compiles the snippet `code` after the backend's header; its output goes to
-# $scratch/NAME.out.
-compiles() {  # name, code
-  local file="$scratch/$1.mm"
+# Compiles the snippet `code` after the backend's header, for the oldest
+# target or for the one given after it; its output goes to $scratch/NAME.out.
+compiles() {  # name, code, [target flags...]
+  local file="$scratch/$1.mm" code="$2"
+  shift 2
   {
     echo '#include "platform/macos/mac_platform.h"'
-    echo "$2"
+    echo "$code"
   } > "$file"
-  "$cxx" "${flags[@]}" "$file" > "$scratch/$1.out" 2>&1
+  if [ $# -eq 0 ]; then set -- "${oldest[@]}"; fi
+  "$cxx" "${flags[@]}" "$@" "$file" > "$scratch/$(basename "$file" .mm).out" 2>&1
 }
 
-must_reject() {  # name, code
-  if compiles "$1" "$2"; then
+must_reject() {  # name, code, [target flags...]
+  if compiles "$@"; then
     fail "the deliberate mistake '$1' was accepted"
   else
     echo "ok: rejects $1"
   fi
 }
 
-must_accept() {  # name, code
-  if compiles "$1" "$2"; then
+must_accept() {  # name, code, [target flags...]
+  if compiles "$@"; then
     echo "ok: accepts $1"
   else
     fail "the correct snippet '$1' was rejected:"
@@ -73,6 +95,20 @@ must_reject "copy-without-output-slot" \
   'void f(AXUIElementRef e, CFStringRef a) { AXUIElementCopyAttributeValue(e, a); }'
 must_reject "undeclared-framework-call" \
   'void f(AXUIElementRef e) { CFArrayRef n; AXUIElementCopyParameterizedAttributeNames(e, &n); }'
+must_reject "null-where-apple-forbids-it" \
+  'void f() { [NSRunLoop.mainRunLoop runMode:NSDefaultRunLoopMode beforeDate:nil]; }'
+must_reject "macos-14-call-without-available" \
+  'void f(NSRunningApplication* a) { [NSApp yieldActivationToApplication:a]; }'
+must_accept "macos-14-call-with-available" \
+  'void f(NSRunningApplication* a) { if (@available(macOS 14.0, *)) [NSApp yieldActivationToApplication:a]; }'
+must_accept "option-deprecated-in-macos-14-before-it" \
+  'NSApplicationActivationOptions f() { return NSApplicationActivateIgnoringOtherApps; }'
+must_reject "option-deprecated-in-macos-14" \
+  'NSApplicationActivationOptions f() { return NSApplicationActivateIgnoringOtherApps; }' \
+  -target x86_64-apple-macos15.4
+must_reject "objc-bool-as-int-on-apple-silicon" \
+  'static_assert(sizeof(BOOL) == 1 && static_cast<BOOL>(2) == 2, "BOOL is a signed char");' \
+  -target "x86_64-apple-macos$minimum" -DZEBLO_SDK_BOOL_IS_BOOL
 
 # --- No hand-written releases ---------------------------------------------------------
 # Core Foundation objects are released by ScopedCF, and handles by
@@ -91,15 +127,18 @@ if [ "${#sources[@]}" -eq 0 ]; then
   fail "no Objective-C++ sources in $backend"
 fi
 for source in "${sources[@]}"; do
-  if "$cxx" "${flags[@]}" "$source"; then
-    echo "ok: ${source#"$root"/}"
-  else
-    fail "${source#"$root"/} does not parse"
-  fi
+  for target in "${targets[@]}"; do
+    read -r -a target_flags <<<"$target"
+    if "$cxx" "${flags[@]}" "${target_flags[@]}" "$source"; then
+      echo "ok: ${source#"$root"/} ($target)"
+    else
+      fail "${source#"$root"/} does not compile ($target)"
+    fi
+  done
 done
 
 if [ "$failures" -ne 0 ]; then
   echo "$failures failure(s)"
   exit 1
 fi
-echo "macOS backend: ${#sources[@]} files parse"
+echo "macOS backend: ${#sources[@]} files compile for ${#targets[@]} targets"

@@ -27,6 +27,10 @@ std::vector<SavedPair> savePasteboard(platform::Platform& p) {
 
 void Keystroke::pasteText(const std::string& text) {
     platform::Platform& p = platform::current();
+    // A pasteboard that cannot be saved without the system asking the user
+    // (or that the system will not let us read) is not touched at all: the
+    // user's contents would be lost.
+    if (!p.canReadPasteboard()) throw keystrokeFailure("Pasteboard cannot be read without asking the user");
     std::vector<SavedPair> saved = savePasteboard(p);
 
     // From here until the restore the pasteboard holds the text alone; a

@@ -42,6 +42,22 @@ NSPasteboardItem* makeItem(const PasteboardItem& item) {
 
 }  // namespace
 
+bool MacPlatform::canReadPasteboard() {
+    return guarded(false, [&] {
+        if (@available(macOS 15.4, *)) {
+            @autoreleasepool {
+                // The system may ask the user when an application reads the
+                // general pasteboard by itself; it does not ask, and lets the
+                // read through, only when the user chose "always allow" for
+                // the host. "default" (never asked yet) and "ask" would show
+                // the alert, "always deny" would give nothing back.
+                return NSPasteboard.generalPasteboard.accessBehavior == NSPasteboardAccessBehaviorAlwaysAllow;
+            }
+        }
+        return true;
+    });
+}
+
 std::optional<std::vector<PasteboardItem>> MacPlatform::pasteboardItems() {
     using Items = std::optional<std::vector<PasteboardItem>>;
     return guarded(Items(), [&]() -> Items {

@@ -21,7 +21,28 @@ namespace zeblo::platform::macos {
 
 void MacPlatform::sleep(double seconds) {
     if (!(seconds > 0) || !std::isfinite(seconds)) return;
-    guardedVoid([&] { [NSThread sleepForTimeInterval:seconds]; });
+    guardedVoid([&] {
+        if (!NSThread.isMainThread) {
+            [NSThread sleepForTimeInterval:seconds];
+            return;
+        }
+        // On the main thread the pause runs the main run loop in the default
+        // mode until its deadline, so that the workspace's list of
+        // applications and their properties, which change only when that
+        // loop turns, are current when the pause ends. The host's timers and
+        // sources can fire meanwhile. A loop with nothing to run returns at
+        // once: the rest of the pause is slept.
+        @autoreleasepool {
+            NSDate* deadline = [NSDate dateWithTimeIntervalSinceNow:seconds];
+            while (deadline.timeIntervalSinceNow > 0) {
+                if (![NSRunLoop.mainRunLoop runMode:NSDefaultRunLoopMode beforeDate:deadline]) {
+                    const NSTimeInterval rest = deadline.timeIntervalSinceNow;
+                    if (rest > 0) [NSThread sleepForTimeInterval:rest];
+                    break;
+                }
+            }
+        }
+    });
 }
 
 double MacPlatform::now() {

@@ -155,6 +155,11 @@ void SimDesktop::setTrusted(bool trusted) {
     impl_->trusted = trusted;
 }
 
+void SimDesktop::setPasteboardReadable(bool readable) {
+    std::lock_guard lock(impl_->mu);
+    impl_->pasteboardReadable = readable;
+}
+
 void SimDesktop::setPasteboard(std::vector<SimPasteboardItem> items) {
     std::lock_guard lock(impl_->mu);
     impl_->pasteboard = std::move(items);
@@ -313,6 +318,11 @@ bool SimDesktop::activateApplication(const platform::RunningApp& app, std::uint6
 }
 
 // --- Pasteboard ----------------------------------------------------------------
+
+bool SimDesktop::canReadPasteboard() {
+    std::lock_guard lock(impl_->mu);
+    return impl_->pasteboardReadable;
+}
 
 std::optional<std::vector<platform::PasteboardItem>> SimDesktop::pasteboardItems() {
     std::lock_guard lock(impl_->mu);

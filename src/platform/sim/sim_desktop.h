@@ -88,6 +88,7 @@ struct SimApp {
 // provide it.
 struct SimPasteboardItem {
     std::vector<std::pair<std::string, std::optional<platform::Bytes>>> entries;
+    bool operator==(const SimPasteboardItem&) const = default;
 };
 
 // A change the timeline applies when the virtual clock reaches `at` seconds.
@@ -128,6 +129,7 @@ public:
     void setSystemWide(Node* element);
     void addLaunchable(std::string name, SimApp app);
     void setTrusted(bool trusted);
+    void setPasteboardReadable(bool readable);
     void setPasteboard(std::vector<SimPasteboardItem> items);
     void setEventSourceFails(bool fails);
     // Keyboard-event creations that fail, numbered from 1 since the desktop
@@ -185,6 +187,7 @@ public:
     std::vector<platform::RunningApp> runningApplications() override;
     bool launchApplication(std::string_view name) override;
     bool activateApplication(const platform::RunningApp& app, std::uint64_t options) override;
+    bool canReadPasteboard() override;
     std::optional<std::vector<platform::PasteboardItem>> pasteboardItems() override;
     void clearPasteboard() override;
     bool setPasteboardString(std::string_view text, std::string_view type) override;

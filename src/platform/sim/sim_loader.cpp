@@ -437,6 +437,8 @@ std::shared_ptr<SimDesktop> SimDesktop::fromJson(std::string_view text) {
             }
         } else if (key == "trusted") {
             s.trusted = boolOf(v, key);
+        } else if (key == "pasteboardReadable") {
+            s.pasteboardReadable = boolOf(v, key);
         } else if (key == "pasteboard") {
             if (!v.is_array()) fail(key, "expected an array of items" + got(v));
             for (std::size_t i = 0; i < v.size(); ++i)
@@ -462,7 +464,7 @@ std::shared_ptr<SimDesktop> SimDesktop::fromJson(std::string_view text) {
                 changes.push_back(readChange(std::move(v[i]), "timeline[" + std::to_string(i) + "]", b));
         } else {
             fail(key, "unknown key (expected apps, frontmost, launchable, systemWide, trusted, pasteboard, "
-                      "failures, timeline)");
+                      "pasteboardReadable, failures, timeline)");
         }
     }
 

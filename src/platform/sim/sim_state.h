@@ -51,6 +51,7 @@ struct SimDesktop::Impl {
     std::vector<std::pair<std::string, SimApp>> launchable;
     bool trusted = true;
     std::vector<SimPasteboardItem> pasteboard;
+    bool pasteboardReadable = true;
 
     bool eventSourceFails = false;
     std::set<int> failingKeyboardEvents;

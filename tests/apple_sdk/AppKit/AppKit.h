@@ -25,7 +25,8 @@ NS_ASSUME_NONNULL_BEGIN
 // --- NSRunningApplication.h --------------------------------------------------------------------
 typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions){
     NSApplicationActivateAllWindows = 1 << 0,
-    NSApplicationActivateIgnoringOtherApps = 1 << 1,
+    NSApplicationActivateIgnoringOtherApps API_DEPRECATED(
+        "ignoringOtherApps is deprecated in macOS 14 and will have no effect.", macos(10.6, 14.0)) = 1 << 1,
 };
 
 typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){
@@ -47,8 +48,22 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){
 @property(readonly, copy) NSArray<NSRunningApplication*>* runningApplications;
 @end
 
+// --- NSApplication.h ---------------------------------------------------------------------------
+@interface NSApplication : NSObject
+- (void)yieldActivationToApplication:(NSRunningApplication*)application API_AVAILABLE(macos(14.0));
+@end
+
+extern "C" __kindof NSApplication* _Null_unspecified NSApp;
+
 // --- NSPasteboard.h ----------------------------------------------------------------------------
 typedef NSString* NSPasteboardType NS_TYPED_EXTENSIBLE_ENUM;
+
+typedef NS_ENUM(NSInteger, NSPasteboardAccessBehavior){
+    NSPasteboardAccessBehaviorDefault = 0,
+    NSPasteboardAccessBehaviorAsk,
+    NSPasteboardAccessBehaviorAlwaysAllow,
+    NSPasteboardAccessBehaviorAlwaysDeny,
+} API_AVAILABLE(macos(15.4));
 
 @protocol NSPasteboardWriting <NSObject>
 @end
@@ -63,6 +78,7 @@ typedef NSString* NSPasteboardType NS_TYPED_EXTENSIBLE_ENUM;
 - (BOOL)writeObjects:(NSArray<id<NSPasteboardWriting>>*)objects;
 @property(nullable, readonly, copy) NSArray<NSPasteboardItem*>* pasteboardItems;
 - (BOOL)setString:(NSString*)string forType:(NSPasteboardType)dataType;
+@property(readonly) NSPasteboardAccessBehavior accessBehavior API_AVAILABLE(macos(15.4));
 @end
 
 // --- NSPasteboardItem.h ------------------------------------------------------------------------

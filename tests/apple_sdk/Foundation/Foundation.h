@@ -6,7 +6,8 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 // --- objc/objc.h, NSObjCRuntime.h ----------------------------------------------------
-#if defined(__arm64__) || defined(__aarch64__)
+// ZEBLO_SDK_BOOL_IS_BOOL gives Apple silicon's BOOL on any target.
+#if defined(__arm64__) || defined(__aarch64__) || defined(ZEBLO_SDK_BOOL_IS_BOOL)
 typedef bool BOOL;
 #else
 typedef signed char BOOL;
@@ -28,6 +29,14 @@ typedef unsigned long NSUInteger;
 #define NS_TYPED_EXTENSIBLE_ENUM __attribute__((swift_wrapper(struct)))
 #define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
 #define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
+
+// --- os/availability.h: API_AVAILABLE(macos(V)), API_DEPRECATED(MESSAGE, macos(FROM, TO)) -------
+#define __API_AVAILABLE_PLATFORM_macos(introduced_) macos, introduced = introduced_
+#define __API_DEPRECATED_PLATFORM_macos(introduced_, deprecated_) \
+    macos, introduced = introduced_, deprecated = deprecated_
+#define API_AVAILABLE(platform_) __attribute__((availability(__API_AVAILABLE_PLATFORM_##platform_)))
+#define API_DEPRECATED(message_, platform_) \
+    __attribute__((availability(__API_DEPRECATED_PLATFORM_##platform_, message = message_)))
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -93,9 +102,24 @@ typedef struct {
 // --- NSDate.h --------------------------------------------------------------------------------
 typedef double NSTimeInterval;
 
+@interface NSDate : NSObject
++ (instancetype)dateWithTimeIntervalSinceNow:(NSTimeInterval)secs;
+@property(readonly) NSTimeInterval timeIntervalSinceNow;
+@end
+
 // --- NSThread.h ------------------------------------------------------------------------------
 @interface NSThread : NSObject
 + (void)sleepForTimeInterval:(NSTimeInterval)ti;
+@property(class, readonly) BOOL isMainThread API_AVAILABLE(macos(10.5));
+@end
+
+// --- NSRunLoop.h -----------------------------------------------------------------------------
+typedef NSString* NSRunLoopMode NS_TYPED_EXTENSIBLE_ENUM;
+FOUNDATION_EXPORT NSRunLoopMode const NSDefaultRunLoopMode;
+
+@interface NSRunLoop : NSObject
+@property(class, readonly, strong) NSRunLoop* mainRunLoop API_AVAILABLE(macos(10.5));
+- (BOOL)runMode:(NSRunLoopMode)mode beforeDate:(NSDate*)limitDate;
 @end
 
 NS_ASSUME_NONNULL_END

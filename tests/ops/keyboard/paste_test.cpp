@@ -132,5 +132,15 @@ TEST_F(PasteTest, FailuresLeaveTheTextAloneAndPostNothingMore) {
     }
 }
 
+// A pasteboard the system would ask the user about (or refuses) is left as
+// it is: nothing is read, written or posted.
+TEST_F(PasteTest, UnreadablePasteboardIsNotTouched) {
+    load(R"({"pasteboardReadable": false})");
+    desk().setPasteboard(userPasteboard());
+    EXPECT_FALSE(done(zeblo_paste_text("secret")));
+    EXPECT_EQ(trace(), asArray({log("zeblo_paste_text error: Pasteboard cannot be read without asking the user")}));
+    EXPECT_EQ(desk().pasteboard(), userPasteboard());
+}
+
 }  // namespace
 }  // namespace zeblo::testing
