@@ -2,6 +2,7 @@
 #
 #   lib/libZEBLOui.so*                        the library (SONAME links on Linux)
 #   include/zeblo/zeblo.h                     its interface
+#   include/zeblo/module.modulemap            the module ZEBLOui, for Swift
 #   lib/cmake/ZEBLOui/ZEBLOui*.cmake          find_package(ZEBLOui) -> ZEBLOui::ZEBLOui
 #   lib/pkgconfig/zeblo.pc                    pkg-config zeblo
 #   bin/zeblo                                 the command-line tool
@@ -18,7 +19,7 @@ install(TARGETS ZEBLOui EXPORT ZEBLOuiTargets
     COMPONENT Runtime NAMELINK_COMPONENT Development
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime)
-install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h"
+install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h" "${PROJECT_SOURCE_DIR}/include/zeblo/module.modulemap"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zeblo" COMPONENT Development)
 install(TARGETS zeblo RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tool)
 if(TARGET zeblo-helper)

@@ -209,9 +209,27 @@
 ** (AXUIElementSetMessagingTimeout).  Set on the system-wide element, that
 ** timeout is also the process's default for elements without one of their
 ** own, the host's included.  The workspace's list of applications is
-** refreshed when the host's main run loop turns: a host that never runs it
-** sees applications launched since its last turn as missing.  Log lines go
-** to NSLog.
+** refreshed when the host's main run loop turns.  MAIN THREAD: a call made
+** on the main thread runs the main run loop in its default mode during
+** every pause and wait of the call (instead of sleeping), so that launched
+** applications and activations are seen; the host's timers, sources and
+** callbacks scheduled in that mode can therefore run during such a call (a
+** callback may call the library again: it takes no locks).  Off the main
+** thread pauses are sleeps, and a host whose main run loop never turns sees
+** applications launched since its last turn as missing.  ACTIVATION: from
+** macOS 14 activation is cooperative and option 2 (ignoring other
+** applications) has no effect; every activation is therefore checked
+** through the application's "AXFrontmost" (a host that is an application
+** first yields its activation to it), and one that did not come forward
+** within 0.05 s is asked again by setting "AXFrontmost"; it counts as
+** refused when it is still not in front 0.05 s later (zeblo_focus_app then
+** fails as for a refused activation; keystrokes are sent regardless, as
+** their blocks say).  An application that cannot tell is taken at its word.
+** Before macOS 14, option 2 brings the application forward whatever is in
+** front.  PASTEBOARD PRIVACY: from macOS 15.4 the system may ask the user
+** when the host reads the general pasteboard; unless the user chose to
+** always allow it for the host, zeblo_paste_text refuses (see its block)
+** and leaves the pasteboard untouched.  Log lines go to NSLog.
 **
 ** LINUX: WHAT EACH FUNCTION DOES DIFFERENTLY
 **
@@ -688,7 +706,12 @@ ZEBLO_API bool zeblo_type_text(const char *text, bool markEvents);
 ** "zeblo_paste_text error: " and one of
 **   "Failed to create event source", "Failed to create Cmd+V key down",
 **   "Failed to create Cmd+V key up"
-** and the pasteboard then holds the text alone: the saved contents are lost.
+** and the pasteboard then holds the text alone: the saved contents are lost;
+** or, before anything is read or written, when the pasteboard cannot be
+** read without the system asking the user (macOS 15.4 and later, see
+** PLATFORMS, macOS):
+**   "Pasteboard cannot be read without asking the user"
+** and the pasteboard is left exactly as it was.
 ** Linux: the CLIPBOARD selection, every target is saved and restored
 ** within limits, Control-V, and a clipboard holder process serves the
 ** restored contents after the call (PLATFORMS, Pasteboard and Processes).

@@ -137,6 +137,19 @@ for source in "${sources[@]}"; do
   done
 done
 
+# --- The module map -------------------------------------------------------------------
+# A Swift host imports the header as the module ZEBLOui; an Objective-C file
+# that imports it the same way proves the map names the header and its calls.
+printf '@import ZEBLOui;\nvoid f(void) { zeblo_free_string(zeblo_get_running_apps()); }\n' > "$scratch/module.m"
+if "$cxx" -x objective-c -fsyntax-only -fmodules -fmodules-cache-path="$scratch/modules" -I "$root/include/zeblo" \
+     -Wall -Werror "${oldest[@]}" -isystem "$root/tests/apple_sdk" -idirafter "/usr/include/$multiarch" \
+     "$scratch/module.m" > "$scratch/module.out" 2>&1; then
+  echo "ok: @import ZEBLOui"
+else
+  fail "the module map does not give the C interface:"
+  cat "$scratch/module.out"
+fi
+
 if [ "$failures" -ne 0 ]; then
   echo "$failures failure(s)"
   exit 1
