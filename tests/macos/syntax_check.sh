@@ -16,6 +16,9 @@
 # is an error. libc++ is the standard library, as on a Mac; the C library's
 # headers are this machine's.
 #
+# The live Mac tests (tests/macos_live) are compiled as well, for the
+# deployment target.
+#
 # Before the backend itself, the check proves that it can fail: a few small
 # snippets with known mistakes must be rejected. Then it makes sure that no
 # Core Foundation object is released by hand outside the RAII wrapper.
@@ -31,8 +34,9 @@ flags=(
   -fsyntax-only -x objective-c++ -std=c++20 -stdlib=libc++
   -fobjc-arc -fobjc-exceptions
   # Apple's clang spells _Nonnull as __nonnull, which glibc uses for its own
-  # attribute macro; _GNU_SOURCE is what libc++ expects of glibc.
-  -U__nonnull -D_GNU_SOURCE -idirafter "/usr/include/$multiarch"
+  # attribute macro; _GNU_SOURCE is what libc++ expects of glibc, whose
+  # ctype macros would stand in for the *_l functions libc++ calls on Apple.
+  -U__nonnull -D_GNU_SOURCE -D__NO_CTYPE -idirafter "/usr/include/$multiarch"
   -isystem "$root/tests/apple_sdk" -I "$root/src" -I "$root/include"
   -Wall -Wextra -Wpedantic -Werror -Wformat-security -Wunguarded-availability -Wno-unused-command-line-argument
 )
@@ -135,6 +139,16 @@ for source in "${sources[@]}"; do
       fail "${source#"$root"/} does not compile ($target)"
     fi
   done
+done
+
+# --- The live tests -------------------------------------------------------------------
+# They run only on a Mac, by hand: compiling them here keeps them compiling.
+for source in "$root"/tests/macos_live/*.mm; do
+  if "$cxx" "${flags[@]}" "${oldest[@]}" "$source"; then
+    echo "ok: ${source#"$root"/}"
+  else
+    fail "${source#"$root"/} does not compile"
+  fi
 done
 
 # --- The module map -------------------------------------------------------------------

@@ -94,6 +94,29 @@ typedef CF_ENUM(uint32_t, CGEventTapLocation){
 
 typedef struct CF_BRIDGED_TYPE(id) __CGEventSource* CGEventSourceRef;
 
+// Event taps (the live tests').
+typedef CF_ENUM(uint32_t, CGEventType){
+    kCGEventNull = 0,
+    kCGEventKeyDown = 10,
+    kCGEventKeyUp = 11,
+    kCGEventFlagsChanged = 12,
+    kCGEventTapDisabledByTimeout = 0xFFFFFFFE,
+    kCGEventTapDisabledByUserInput = 0xFFFFFFFF,
+};
+typedef uint64_t CGEventMask;
+#define CGEventMaskBit(eventType) ((CGEventMask)1 << (eventType))
+typedef CF_ENUM(uint32_t, CGEventTapPlacement){
+    kCGHeadInsertEventTap = 0,
+    kCGTailAppendEventTap,
+};
+typedef CF_ENUM(uint32_t, CGEventTapOptions){
+    kCGEventTapOptionDefault = 0x00000000,
+    kCGEventTapOptionListenOnly = 0x00000001,
+};
+typedef struct __CGEventTapProxy* CGEventTapProxy;
+typedef CGEventRef _Nullable (*CGEventTapCallBack)(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
+                                                   void* _Nullable userInfo);
+
 typedef CF_ENUM(int32_t, CGEventSourceStateID){
     kCGEventSourceStatePrivate = -1,
     kCGEventSourceStateCombinedSessionState = 0,
@@ -111,6 +134,13 @@ CG_EXTERN void CGEventSetFlags(CGEventRef event, CGEventFlags flags) CG_AVAILABL
 CG_EXTERN void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, int64_t value)
     CG_AVAILABLE_STARTING(10.4);
 CG_EXTERN void CGEventPost(CGEventTapLocation tap, CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN int64_t CGEventGetIntegerValueField(CGEventRef _Nullable event, CGEventField field)
+    CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN CFMachPortRef _Nullable CGEventTapCreate(CGEventTapLocation tap, CGEventTapPlacement place,
+                                                   CGEventTapOptions options, CGEventMask eventsOfInterest,
+                                                   CGEventTapCallBack callback, void* _Nullable userInfo)
+    CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN void CGEventTapEnable(CFMachPortRef tap, bool enable) CG_AVAILABLE_STARTING(10.4);
 
 CF_IMPLICIT_BRIDGING_DISABLED
 

@@ -139,6 +139,31 @@ CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const voi
                                              const CFDictionaryKeyCallBacks* keyCallBacks,
                                              const CFDictionaryValueCallBacks* valueCallBacks);
 
+// --- CFDate.h ------------------------------------------------------------------------------
+typedef double CFTimeInterval;
+
+// --- CFRunLoop.h (the live tests' event tap) ---------------------------------------------------
+typedef struct CF_BRIDGED_TYPE(id) __CFRunLoop* CFRunLoopRef;
+typedef struct CF_BRIDGED_TYPE(id) __CFRunLoopSource* CFRunLoopSourceRef;
+typedef CFStringRef CFRunLoopMode;
+CF_EXPORT const CFRunLoopMode kCFRunLoopDefaultMode;
+CF_EXPORT const CFRunLoopMode kCFRunLoopCommonModes;
+typedef CF_ENUM(SInt32, CFRunLoopRunResult){
+    kCFRunLoopRunFinished = 1,
+    kCFRunLoopRunStopped = 2,
+    kCFRunLoopRunTimedOut = 3,
+    kCFRunLoopRunHandledSource = 4,
+};
+CF_EXPORT CFRunLoopRef CFRunLoopGetCurrent(void);
+CF_EXPORT void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
+CF_EXPORT CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
+                                                Boolean returnAfterSourceHandled);
+
+// --- CFMachPort.h ------------------------------------------------------------------------------
+typedef struct CF_BRIDGED_TYPE(NSMachPort) __CFMachPort* CFMachPortRef;
+CF_EXPORT CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef allocator, CFMachPortRef port,
+                                                           CFIndex order);
+
 #ifdef __cplusplus
 }  // extern "C"
 #endif

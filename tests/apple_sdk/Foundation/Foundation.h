@@ -76,6 +76,8 @@ typedef struct {
 
 // --- NSString.h ----------------------------------------------------------------------------
 @interface NSString : NSObject
++ (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
+@property(nullable, readonly) const char* UTF8String NS_RETURNS_INNER_POINTER;
 @end
 
 // --- NSData.h --------------------------------------------------------------------------------

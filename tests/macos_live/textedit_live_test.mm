@@ -1,67 +1,69 @@
 // Live smoke test on a real Mac: drives TextEdit through the library's C
 // functions, as a host would. It launches TextEdit, reads its menus, chooses
-// File > New, types and pastes text, reads it back through the window text and
+// File > New, types and pastes text, reads it back through the window text,
+// checks that the paste put the user's clipboard back byte for byte, and
 // closes the document without saving.
 //
 // Run by hand, from a process that has the accessibility permission (System
 // Settings > Privacy & Security > Accessibility, for the terminal that runs
-// it), with a US keyboard layout:
+// it; from macOS 15.4 also "always allow" for pasting from other
+// applications), with a US keyboard layout:
 //
 //     ZEBLO_LIVE_MAC=1 ./build/tests/test_macos_live
 //
 // Without ZEBLO_LIVE_MAC=1 every test is skipped, so that the suite stays
 // runnable on machines (and CI runners) that cannot be driven.
-#include <gtest/gtest.h>
+#import <AppKit/AppKit.h>
 
-#include <chrono>
-#include <cstdlib>
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "live_support.h"
+
 #include <deque>
 #include <string>
 #include <string_view>
-#include <thread>
-
-#include <nlohmann/json.hpp>
-
-#include <zeblo/zeblo.h>
 
 namespace {
 
-using nlohmann::json;
-using namespace std::chrono_literals;
+using namespace zeblo::live;
 
 constexpr const char* kApp = "TextEdit";
 // New documents are "Untitled", "Untitled 2"...; window names match loosely.
 constexpr const char* kDocument = "Untitled";
 
-bool liveRunRequested() {
-    const char* flag = std::getenv("ZEBLO_LIVE_MAC");
-    return flag != nullptr && std::string_view(flag) == "1";
+// A clipboard as (type, bytes) pairs, item by item.
+using Entries = std::vector<std::pair<std::string, std::vector<std::uint8_t>>>;
+
+NSString* nsString(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
+
+void writeClipboard(const std::vector<Entries>& items) {
+    NSMutableArray<NSPasteboardItem*>* objects = [NSMutableArray arrayWithCapacity:items.size()];
+    for (const Entries& entries : items) {
+        NSPasteboardItem* item = [[NSPasteboardItem alloc] init];
+        for (const auto& [type, bytes] : entries) {
+            [item setData:[NSData dataWithBytes:bytes.data() length:bytes.size()] forType:nsString(type)];
+        }
+        [objects addObject:item];
+    }
+    [NSPasteboard.generalPasteboard clearContents];
+    [NSPasteboard.generalPasteboard writeObjects:objects];
 }
 
-// A string the library returned, freed when it goes out of scope.
-class Returned {
-public:
-    explicit Returned(const char* text) : text_(text) {}
-    Returned(const Returned&) = delete;
-    Returned& operator=(const Returned&) = delete;
-    ~Returned() { zeblo_free_string(text_); }
-
-    std::string text() const { return text_ != nullptr ? text_ : ""; }
-    json parsed() const { return json::parse(text(), nullptr, /*allow_exceptions=*/false); }
-
-private:
-    const char* text_;
-};
-
-// Polls `condition` on the real desktop until it holds or `limit` passes.
-template <class Condition>
-bool eventually(Condition condition, std::chrono::milliseconds limit) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (true) {
-        if (condition()) return true;
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(100ms);
+// Every (type, bytes) pair on the clipboard, whatever item holds it.
+Entries readClipboard() {
+    Entries pairs;
+    for (NSPasteboardItem* item in NSPasteboard.generalPasteboard.pasteboardItems) {
+        for (NSPasteboardType type in item.types) {
+            NSData* data = [item dataForType:type];
+            if (data == nil) continue;
+            const auto* first = static_cast<const std::uint8_t*>(data.bytes);
+            pairs.emplace_back(type.UTF8String, std::vector<std::uint8_t>(first, first + data.length));
+        }
     }
+    return pairs;
 }
 
 // Whether the menu snapshot has an item `title` under the menu bar item
@@ -104,12 +106,7 @@ bool dismissSaveSheet() {
 
 class TextEditLive : public ::testing::Test {
 protected:
-    void SetUp() override {
-        if (!liveRunRequested()) {
-            GTEST_SKIP() << "live Mac test: set ZEBLO_LIVE_MAC=1 on a Mac whose terminal has "
-                            "the accessibility permission";
-        }
-    }
+    void SetUp() override { ZEBLO_LIVE_ONLY(); }
 
     // A document left open by a failed run is closed without saving.
     void TearDown() override {
@@ -142,7 +139,23 @@ TEST_F(TextEditLive, NewDocumentTypePasteReadBackAndCloseWithoutSaving) {
     const std::string typed = "Typed by ZEBLOui, 1 + 2 = 3.";
     const std::string pasted = " Pasted: caf\xC3\xA9 \xE2\x9C\x93 \xF0\x9F\x99\x82";
     ASSERT_TRUE(zeblo_type_text(typed.c_str(), false));
+
+    // The user's clipboard: two items, several types, bytes that are no text.
+    std::vector<std::uint8_t> binary;
+    for (int i = 0; i < 256; ++i) binary.push_back(static_cast<std::uint8_t>(255 - i));
+    const std::vector<Entries> clipboard = {
+        {{"public.utf8-plain-text", {'f', 'i', 'r', 's', 't'}}, {"com.zeblo.live.binary", binary}},
+        {{"public.rtf", {'{', '\\', 'r', 't', 'f', '1', ' ', 'x', '}'}}, {"com.zeblo.live.bytes", {0, 1, 0}}},
+    };
+    writeClipboard(clipboard);
+    Entries before = readClipboard();
+    ASSERT_EQ(before.size(), 4u) << "the clipboard did not take the test's items";
     ASSERT_TRUE(zeblo_paste_text(pasted.c_str()));
+    // Every pair comes back with the same bytes (gathered into one item).
+    Entries after = readClipboard();
+    std::sort(before.begin(), before.end());
+    std::sort(after.begin(), after.end());
+    EXPECT_EQ(after, before);
 
     std::string shown;
     EXPECT_TRUE(eventually(
