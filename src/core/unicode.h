@@ -1,4 +1,4 @@
-// Unicode text operations shared by every area, all built on ICU: decoding
+// Unicode text operations shared by every area, all built on ICU's C API: decoding
 // UTF-8 with replacement, full lower-casing, grapheme clusters, White_Space,
 // canonical equivalence and the library's loose name match.
 //
@@ -18,6 +18,12 @@ bool isValidUtf8(std::string_view bytes) noexcept;
 // `bytes` decoded as UTF-8, each ill-formed sequence replaced by U+FFFD
 // (maximal subparts, as the Unicode standard recommends).
 std::string decodeUtf8Lossy(std::string_view bytes);
+
+// The Unicode scalars of `s`, in order.
+std::u32string codePoints(std::string_view s);
+
+// `s` in Normalization Form C (canonical composition).
+std::string composed(std::string_view s);
 
 // The full Unicode lower-case mapping, without locale tailoring.
 std::string toLower(std::string_view s);

@@ -1,8 +1,5 @@
 #include "ops/keyboard/key_codes.h"
 
-#include <unicode/normalizer2.h>
-#include <unicode/unistr.h>
-
 #include <array>
 #include <string>
 #include <utility>
@@ -97,19 +94,9 @@ std::optional<KeyCode> find(const std::array<Row, N>& table, std::string_view ke
 // written: canonical singletons such as the Kelvin sign, whose normal form is
 // an ASCII letter, never pass for that letter.
 std::u32string orderKey(std::string_view character) {
-    icu::UnicodeString u =
-        icu::UnicodeString::fromUTF8(icu::StringPiece(character.data(), static_cast<int32_t>(character.size())));
-    if (u.countChar32() > 1) {
-        UErrorCode status = U_ZERO_ERROR;
-        const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
-        if (U_SUCCESS(status)) {
-            icu::UnicodeString composed = nfc->normalize(u, status);
-            if (U_SUCCESS(status)) u = composed;
-        }
-    }
-    std::u32string out;
-    for (int32_t i = 0; i < u.length(); i = u.moveIndex32(i, 1)) out.push_back(static_cast<char32_t>(u.char32At(i)));
-    return out;
+    std::u32string scalars = text::codePoints(character);
+    if (scalars.size() > 1) scalars = text::codePoints(text::composed(character));
+    return scalars;
 }
 
 bool inRange(const std::u32string& c, char32_t low, char32_t high) {
