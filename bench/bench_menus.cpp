@@ -7,12 +7,15 @@
 #include <benchmark/benchmark.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
+#if defined(__GLIBC__)
 #include <malloc.h>
+#endif
 
 #include <nlohmann/json.hpp>
 
@@ -33,12 +36,14 @@ using platform::Element;
 // blocks come from fresh mappings or not, depending on earlier frees, and the
 // first touch of fresh pages (costly in a virtual machine) then swamps the
 // work measured here and makes runs bimodal. Keeping large blocks on the heap
-// measures the library's own work.
+// measures the library's own work. (Other C libraries keep their defaults.)
+#if defined(__GLIBC__)
 [[maybe_unused]] const bool kHeapTuned = [] {
     mallopt(M_MMAP_THRESHOLD, 64 << 20);
     mallopt(M_TRIM_THRESHOLD, 256 << 20);
     return true;
 }();
+#endif
 
 constexpr int kMenus = 20;
 constexpr int kItemsPerMenu = 250;   // items below each menu bar item, submenu items included

@@ -5,11 +5,21 @@
 #include <cstdio>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace {
 
+// The external symbols the library defines, by their C names. An ELF
+// library's are in its dynamic symbol table (nm -D); a Mach-O library's are
+// its external symbols (nm -g), spelled with a leading underscore.
 std::set<std::string> exportedSymbols() {
+#if defined(__APPLE__)
+    const std::string command = std::string("nm -g -U ") + ZEBLO_SHARED_LIBRARY_PATH;
+    constexpr bool kUnderscored = true;
+#else
     const std::string command = std::string("nm -D --defined-only ") + ZEBLO_SHARED_LIBRARY_PATH;
+    constexpr bool kUnderscored = false;
+#endif
     std::set<std::string> symbols;
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) return symbols;
@@ -21,7 +31,9 @@ std::set<std::string> exportedSymbols() {
         const std::string type = space >= 2 ? text.substr(space - 1, 1) : "";
         if (type == "T" || type == "W" || type == "D" || type == "B" || type == "R" || type == "V" ||
             type == "i" || type == "u") {
-            symbols.insert(text.substr(space + 1));
+            std::string name = text.substr(space + 1);
+            if (kUnderscored && !name.empty() && name.front() == '_') name.erase(0, 1);
+            symbols.insert(std::move(name));
         }
     }
     pclose(pipe);

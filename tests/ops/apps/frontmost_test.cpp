@@ -66,9 +66,6 @@ TEST_F(FrontmostTest, EmptyDesktop) {
     EXPECT_EQ(take(zeblo_get_running_apps()), "[]");
     EXPECT_EQ(takeJson(zeblo_get_frontmost_info()).count("error"), 1u);
     EXPECT_TRUE(logs().empty());
-}
-
-TEST(FreeString, AcceptsNullAndReturnedStrings) {
     zeblo_free_string(nullptr);
     zeblo_free_string(zeblo_get_running_apps());
 }
