@@ -114,7 +114,7 @@ Json menu(std::vector<std::string> titles) {
 TEST_F(WindowText, PopupMenusAsAttributeOrChild) {
     loadWindows({window("Format", {popup("Size", {{"AXMenu", menu({"Small", "", "Large"})}}),
                                    popup("Font", Json::object(), {el("AXGroup"), menu({"Serif", "Sans"})}),
-                                   popup("Style", {{"AXMenu", "not an element"}}, {menu({"Bold"})}),
+                                   popup("Style", {{"AXMenu", "not an element"}}, Json::array({menu({"Bold"})})),
                                    popup("Empty", Json::object())})});
     EXPECT_EQ(take(zeblo_get_popup_menu_items("Notes", nullptr, "size")), R"(["Small","Large"])");
     EXPECT_EQ(take(zeblo_get_popup_menu_items("Notes", nullptr, "Font")), R"(["Serif","Sans"])");

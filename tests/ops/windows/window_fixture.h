@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,19 @@
 namespace zeblo::testing {
 
 using Json = nlohmann::ordered_json;
+// Lists of elements. Each builder below that takes a Json list also takes a
+// braced list, so that `{x}` is a list of one everywhere: as a Json, clang
+// reads `{x}` as a copy of x where GCC reads a one-element array.
+using Items = std::initializer_list<Json>;
 
 inline Json el(const std::string& role, const std::string& title = "", Json children = nullptr) {
     Json e = {{"attrs", {{"AXRole", role}}}};
     if (!title.empty()) e["attrs"]["AXTitle"] = title;
     if (!children.is_null()) e["attrs"]["AXChildren"] = std::move(children);
     return e;
+}
+inline Json el(const std::string& role, const std::string& title, Items children) {
+    return el(role, title, Json::array_t(children));
 }
 inline Json button(const std::string& title, Json press = 0) {
     Json b = el("AXButton", title);
@@ -26,9 +34,11 @@ inline Json button(const std::string& title, Json press = 0) {
 inline Json window(const std::string& title, Json children = Json::array()) {
     return el("AXWindow", title, std::move(children));
 }
+inline Json window(const std::string& title, Items children) { return window(title, Json::array_t(children)); }
 inline Json app(const Json& name, int pid, Json windows) {
     return {{"name", name}, {"pid", pid}, {"element", {{"attrs", {{"AXRole", "AXApplication"}, {"AXWindows", std::move(windows)}}}}}};
 }
+inline Json app(const Json& name, int pid, Items windows) { return app(name, pid, Json::array_t(windows)); }
 
 class WindowTest : public SimTest {
 protected:
@@ -37,6 +47,9 @@ protected:
         Json desk = {{"apps", {app("Notes", 7, std::move(windows))}}, {"frontmost", 7}};
         desk.update(extra);
         load(desk.dump());
+    }
+    void loadWindows(Items windows, Json extra = Json::object()) {
+        loadWindows(Json::array_t(windows), std::move(extra));
     }
     void loadDesk(const Json& desk) { load(desk.dump()); }
 
