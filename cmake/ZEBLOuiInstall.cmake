@@ -1,6 +1,8 @@
 # Install rules for libZEBLOui, included by the top-level CMakeLists.txt.
 #
 #   lib/libZEBLOui.so*                        the library (SONAME links on Linux)
+#   lib/zeblo/simulated/libZEBLOui.so*        the simulated library (same exports;
+#                                             its desktop comes from ZEBLO_SIMULATE)
 #   include/zeblo/zeblo.h                     its interface
 #   include/zeblo/module.modulemap            the module ZEBLOui, for Swift
 #   lib/cmake/ZEBLOui/ZEBLOui*.cmake          find_package(ZEBLOui) -> ZEBLOui::ZEBLOui
@@ -19,6 +21,11 @@ install(TARGETS ZEBLOui EXPORT ZEBLOuiTargets
     COMPONENT Runtime NAMELINK_COMPONENT Development
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime)
+# Not part of the exported CMake package: a host's tests reach it through
+# the library search path (LD_LIBRARY_PATH, DYLD_LIBRARY_PATH) or by its path.
+install(TARGETS ZEBLOui_simulated
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/zeblo/simulated" COMPONENT Simulated
+  RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/zeblo/simulated" COMPONENT Simulated)
 install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h" "${PROJECT_SOURCE_DIR}/include/zeblo/module.modulemap"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zeblo" COMPONENT Development)
 install(TARGETS zeblo RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tool)

@@ -2,7 +2,8 @@
 # Checks the installed package: installs BUILD_DIR (default: build) into a
 # temporary prefix, then builds and runs the two example consumers against
 # that prefix alone, one through find_package(ZEBLOui), one through
-# pkg-config. Each prints the running applications ("[]" without a desktop).
+# pkg-config. Each prints the running applications ("[]" without a desktop);
+# the second then runs again on the installed simulated library.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build_dir="${BUILD_DIR:-build}"
@@ -43,4 +44,11 @@ echo "zeblo $(pkg-config --modversion zeblo): $(pkg-config --cflags --libs zeblo
 cc $cflags examples/consumers/pkg-config/main.c $(pkg-config --cflags --libs zeblo) \
   -Wl,-rpath,"$(pkg-config --variable=libdir zeblo)" -o "$tmp/list_apps_pc"
 "$tmp/list_apps_pc"
+
+echo "== package: the same consumer, unchanged, on the simulated library"
+sim="$(dirname "$(find "$prefix" -path '*/zeblo/simulated/libZEBLOui*' | head -n 1)")"
+apps="$(LD_LIBRARY_PATH="$sim" DYLD_LIBRARY_PATH="$sim" ZEBLO_SIMULATE="$PWD/examples/desktop.json" \
+  "$tmp/list_apps_pc")"
+echo "$apps"
+[ "$apps" = '["Finder","Quick Notes","Mail","Sync Helper"]' ] || { echo "the simulated desktop was not used" >&2; exit 1; }
 echo "== package: passed"

@@ -203,6 +203,30 @@
 **     and in memory, pauses and waits take no real time, and log lines go to
 **     syslog.
 **
+** THE SIMULATED LIBRARY, for testing a host offline.  The build also makes a
+** second library with the same file name, the same 25 functions and the same
+** ABI, in a folder of its own (build/simulated/, installed as
+** LIBDIR/zeblo/simulated/).  Its only desktop is a simulated one, described
+** by the JSON desktop file (docs/desktop-format.md: applications, element
+** trees, a pasteboard, changes over virtual time) that the environment
+** variable ZEBLO_SIMULATE names.  A host runs its own tests against it
+** unchanged, on a machine with no desktop, by putting that folder first on
+** the library search path:
+**     LD_LIBRARY_PATH=PREFIX/lib/zeblo/simulated ZEBLO_SIMULATE=d.json ./tests
+** (DYLD_LIBRARY_PATH on macOS).  The file is read once, at the first call;
+** when ZEBLO_SIMULATE is not set or the file cannot be read, one log line
+** says why and the desktop is the empty one above.  Time is virtual there:
+** pauses, waits and timeouts take no real time.  When ZEBLO_TRACE names a
+** file ("-": standard error), every side effect (key event, press, written
+** value, pasteboard change, launch, activation, pause, log line) is written
+** to it as one JSON line as it happens, and {"end": {...}} (the virtual
+** clock, the handles still alive, the pasteboard) when the process exits;
+** the file is created afresh.  It keeps no trace in memory.  Log lines go to
+** syslog (also to standard error when ZEBLO_LOG_STDERR is 1) and to the
+** trace.  The library described elsewhere in this header never reads
+** ZEBLO_SIMULATE or ZEBLO_TRACE: a production host cannot be pointed at a
+** simulated desktop by its environment.
+**
 ** macOS.  The backend keeps nothing and takes no locks.  Each accessibility
 ** call is a message to the other process; every element the backend creates
 ** or reads gets the reply limit as its messaging timeout

@@ -13,4 +13,11 @@ namespace zeblo::platform {
 // while nothing is installed.
 std::shared_ptr<Platform> makeDefaultPlatform();
 
+// A build of the library may make its default backend differently (the
+// simulated library: src/platform/default/simulated_library.cpp). `factory`
+// replaces makeDefaultPlatform when set before the default backend is first
+// used; it may be set from a static initializer.
+using DefaultPlatformFactory = std::shared_ptr<Platform> (*)();
+void setDefaultPlatformFactory(DefaultPlatformFactory factory);
+
 }  // namespace zeblo::platform

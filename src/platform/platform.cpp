@@ -92,13 +92,24 @@ Installation& installation() {
     return *state;
 }
 
+// Constant-initialized, so that it can be set while other static objects of
+// the library are still being built.
+std::atomic<DefaultPlatformFactory> g_defaultFactory{nullptr};
+
 Platform& defaultPlatform() {
     // Kept for the life of the process, like a retired backend.
-    static auto* backend = new std::shared_ptr<Platform>(makeDefaultPlatform());
+    static auto* backend = new std::shared_ptr<Platform>([] {
+        const DefaultPlatformFactory factory = g_defaultFactory.load(std::memory_order_acquire);
+        return factory != nullptr ? factory() : makeDefaultPlatform();
+    }());
     return **backend;
 }
 
 }  // namespace
+
+void setDefaultPlatformFactory(DefaultPlatformFactory factory) {
+    g_defaultFactory.store(factory, std::memory_order_release);
+}
 
 Platform& current() {
     if (Platform* p = g_installed.load(std::memory_order_acquire)) return *p;

@@ -201,6 +201,11 @@ void SimDesktop::setLogSink(std::function<void(std::string_view)> sink) {
     impl_->logSink = std::move(sink);
 }
 
+void SimDesktop::setTraceSink(std::function<void(const nlohmann::ordered_json&)> sink) {
+    std::lock_guard lock(impl_->mu);
+    impl_->traceSink = std::move(sink);
+}
+
 int SimDesktop::liveHandles() const { return impl_->liveHandles.load(); }
 
 double SimDesktop::clock() const {

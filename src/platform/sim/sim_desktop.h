@@ -146,6 +146,9 @@ public:
     // Where log lines go besides the trace (the machine's default desktop
     // sends them to the system log). Called without the desktop's lock held.
     void setLogSink(std::function<void(std::string_view)> sink);
+    // Receives every trace entry as it is made, recording on or off. Called
+    // with the desktop's lock held: it must not call the desktop.
+    void setTraceSink(std::function<void(const nlohmann::ordered_json&)> sink);
 
     // A counted handle to `n` (null for null), as if a read had handed it out.
     platform::Element elementOf(Node* n);

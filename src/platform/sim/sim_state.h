@@ -63,6 +63,7 @@ struct SimDesktop::Impl {
     bool recording = true;
     std::vector<nlohmann::ordered_json> trace;
     std::function<void(std::string_view)> logSink;
+    std::function<void(const nlohmann::ordered_json&)> traceSink;
 
     std::atomic<int> liveHandles{0};
 
@@ -71,6 +72,7 @@ struct SimDesktop::Impl {
     Node* deadElement();
     SimApp* findApp(std::int32_t pid);
     void record(nlohmann::ordered_json entry) {
+        if (traceSink) traceSink(entry);
         if (recording) trace.push_back(std::move(entry));
     }
     // How long a call to `n` waits for a reply that does not come: its own
