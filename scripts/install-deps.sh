@@ -18,7 +18,8 @@ build=(
 tests=(
   clang libgtest-dev libgmock-dev libbenchmark-dev
   libclang-rt-14-dev  # sanitizer and libFuzzer runtimes for clang (hardening stage)
-  libc++-dev libc++abi-dev  # the macOS backend's syntax check compiles against libc++, as on a Mac
+  libc++-dev libc++abi-dev  # clang builds the suite and the macOS backend's syntax check against libc++, as on a Mac
+  python3-venv python3-pytest  # the Python package: installed into a virtual environment, tested with pytest
 )
 desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps

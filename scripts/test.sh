@@ -9,6 +9,9 @@ BUILD_DIR=build scripts/build.sh -DZEBLO_BUILD_TESTS=ON -DZEBLO_BUILD_BENCH=ON -
 ctest --test-dir build --output-on-failure -j "$(nproc)"
 # The installed package, used through find_package and through pkg-config.
 BUILD_DIR=build scripts/test-package.sh
+# The Python package, installed offline and tested on the simulated desktop.
+echo "== Python package"
+BUILD_DIR=build scripts/test-python.sh
 # The end-to-end suite against real GTK and Qt applications in a headless
 # session, and a Qt menu bar compared with pyatspi's view of it (the build
 # above is reused as it stands).

@@ -1,0 +1,12 @@
+"""Runs the tests on the example desktop through the simulated library of a
+build tree (ZEBLO_LIBRARY and ZEBLO_SIMULATE may name others)."""
+import os
+from pathlib import Path
+
+REPO = Path(__file__).resolve().parents[2]
+os.environ.setdefault("ZEBLO_SIMULATE", str(REPO / "examples" / "desktop.json"))
+if "ZEBLO_LIBRARY" not in os.environ:
+    build = Path(os.environ.get("ZEBLO_BUILD_DIR", REPO / "build"))
+    for name in ("libZEBLOui.so", "libZEBLOui.dylib"):
+        if (build / "simulated" / name).exists():
+            os.environ["ZEBLO_LIBRARY"] = str(build / "simulated" / name)
