@@ -100,7 +100,7 @@ public:
     }
     void sleep(double s) override { ++calls, sim_->sleep(s); }
     double now() override { return ++calls, sim_->now(); }
-    void log(std::string_view line) override { ++calls, sim_->log(line); }
+    void writeLog(std::string_view line) override { ++calls, sim_->writeLog(line); }
     void retainHandle(platform::HandleKind k, void* r) noexcept override { sim_->retainHandle(k, r); }
     void releaseHandle(platform::HandleKind k, void* r) noexcept override { sim_->releaseHandle(k, r); }
 

@@ -107,6 +107,18 @@ Platform& defaultPlatform() {
 
 }  // namespace
 
+namespace {
+thread_local LogCapture* t_capture = nullptr;
+}  // namespace
+
+LogCapture::LogCapture() : outer_(t_capture) { t_capture = this; }
+LogCapture::~LogCapture() { t_capture = outer_; }
+
+void Platform::log(std::string_view line) {
+    if (t_capture != nullptr) t_capture->lines_.emplace_back(line);
+    writeLog(line);
+}
+
 void setDefaultPlatformFactory(DefaultPlatformFactory factory) {
     g_defaultFactory.store(factory, std::memory_order_release);
 }

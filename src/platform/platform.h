@@ -246,11 +246,33 @@ public:
     // Sleeping, the clock (seconds from an arbitrary origin) and the log.
     virtual void sleep(double seconds) = 0;
     virtual double now() = 0;
-    virtual void log(std::string_view line) = 0;
+    // Writes one log line: hands it to the calling thread's LogCapture, if
+    // any, then to the backend's own log (`writeLog`, which only backends and
+    // platforms that forward to another call).
+    void log(std::string_view line);
+    virtual void writeLog(std::string_view line) = 0;
 
     // Reference counting of raw handles; used by `Handle` only.
     virtual void retainHandle(HandleKind kind, void* raw) noexcept = 0;
     virtual void releaseHandle(HandleKind kind, void* raw) noexcept = 0;
+};
+
+// Collects the log lines written on the calling thread while it lives (they
+// still go to the log too), so that a caller can tell what an operation said,
+// e.g. why it failed. Captures nest: the innermost one collects.
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    const std::vector<std::string>& lines() const { return lines_; }
+
+private:
+    friend class Platform;
+    std::vector<std::string> lines_;
+    LogCapture* outer_;
 };
 
 template <HandleKind K>

@@ -71,7 +71,7 @@ public:
     }
     void sleep(double seconds) override { target_->sleep(seconds); }
     double now() override { return target_->now(); }
-    void log(std::string_view line) override { target_->log(line); }
+    void writeLog(std::string_view line) override { target_->writeLog(line); }
     // Handles are owned by the desktop that made them and go back to it
     // directly; these are here only to complete the interface.
     void retainHandle(platform::HandleKind kind, void* raw) noexcept override { target_->retainHandle(kind, raw); }

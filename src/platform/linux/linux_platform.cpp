@@ -280,7 +280,7 @@ double LinuxPlatform::now() {
     return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-void LinuxPlatform::log(std::string_view line) {
+void LinuxPlatform::writeLog(std::string_view line) {
     const auto locked = guard();
     const std::string text(line);
     syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format

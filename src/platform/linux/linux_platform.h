@@ -114,7 +114,7 @@ public:
 
     void sleep(double seconds) override;
     double now() override;
-    void log(std::string_view line) override;
+    void writeLog(std::string_view line) override;
 
     void retainHandle(HandleKind kind, void* raw) noexcept override;
     void releaseHandle(HandleKind kind, void* raw) noexcept override;

@@ -54,7 +54,7 @@ double MacPlatform::now() {
         .count();
 }
 
-void MacPlatform::log(std::string_view line) {
+void MacPlatform::writeLog(std::string_view line) {
     guardedVoid([&] {
         @autoreleasepool {
             NSString* text = makeNSString(line);

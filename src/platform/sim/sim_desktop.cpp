@@ -376,7 +376,7 @@ void SimDesktop::sleep(double seconds) {
 
 double SimDesktop::now() { return clock(); }
 
-void SimDesktop::log(std::string_view line) {
+void SimDesktop::writeLog(std::string_view line) {
     std::function<void(std::string_view)> sink;
     {
         std::lock_guard lock(impl_->mu);

@@ -197,7 +197,7 @@ public:
     bool writePasteboardItems(const std::vector<platform::PasteboardItem>& items) override;
     void sleep(double seconds) override;
     double now() override;
-    void log(std::string_view line) override;
+    void writeLog(std::string_view line) override;
     void retainHandle(platform::HandleKind kind, void* raw) noexcept override;
     void releaseHandle(platform::HandleKind kind, void* raw) noexcept override;
 
