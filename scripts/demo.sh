@@ -12,9 +12,9 @@ scripts/install-deps.sh --build-only
 build_log="$(mktemp)"
 trap 'rm -f "$build_log"' EXIT
 if [ -f build/CMakeCache.txt ]; then
-  cmake --build build -j "$(nproc)" --target zeblo ZEBLOui >"$build_log" 2>&1
+  cmake --build build -j "$(nproc)" --target zeblo ZEBLOui ZEBLOui_simulated >"$build_log" 2>&1
 else
-  BUILD_DIR=build BUILD_TYPE=MinSizeRel BUILD_TARGETS="zeblo ZEBLOui" scripts/build.sh \
+  BUILD_DIR=build BUILD_TYPE=MinSizeRel BUILD_TARGETS="zeblo ZEBLOui ZEBLOui_simulated" scripts/build.sh \
     -DZEBLO_BUILD_TESTS=OFF -DZEBLO_BUILD_BENCH=OFF >"$build_log" 2>&1
 fi || { cat "$build_log"; exit 1; }
 
@@ -84,6 +84,22 @@ show click-button "Quick Notes" groceries share
 show close-window "Quick Notes" settings 1000
 show window-exists "Quick Notes" "no such window"
 # -- end windows --
+
+# -- python and mcp --
+echo
+echo "== From Python and from an AI agent (MCP) =="
+# The Python package over the simulated library, on the same desktop.
+printf '\n$ python3 examples/python/read_and_act.py\n'
+ZEBLO_SIMULATE="$desktop" ZEBLO_LIBRARY=build/simulated/libZEBLOui.so PYTHONPATH=python \
+  python3 examples/python/read_and_act.py
+# One MCP exchange: the handshake, then a tool call, as an agent's client sends them.
+printf '\n$ zeblo --simulate %s mcp   # two requests on standard input\n' "$desktop"
+printf '%s\n' \
+  '{"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2025-11-25","capabilities":{},"clientInfo":{"name":"demo","version":"1"}}}' \
+  '{"jsonrpc":"2.0","method":"notifications/initialized"}' \
+  '{"jsonrpc":"2.0","id":2,"method":"tools/call","params":{"name":"get_window_titles","arguments":{"app_name":"Quick Notes"}}}' |
+  zeblo mcp | cut -c1-200
+# -- end python and mcp --
 
 # -- real desktop --
 # With a display (and l3afpad, which `scripts/install-deps.sh --desktop`

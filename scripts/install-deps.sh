@@ -14,6 +14,7 @@ build=(
   cmake ninja-build g++ pkg-config
   libicu-dev nlohmann-json3-dev
   libatspi2.0-dev libxtst-dev libx11-dev  # the Linux desktop backend
+  python3  # the demo's Python example
 )
 tests=(
   clang libgtest-dev libgmock-dev libbenchmark-dev
@@ -44,6 +45,12 @@ for p in "${packages[@]}" "${extra[@]}"; do
     missing+=("$p")
   fi
 done
+# Node.js and npm (the MCP server is tested with the official TypeScript SDK
+# client) may come from elsewhere than Debian; only a machine without them
+# gets Debian's.
+if [ "${packages[*]}" != "${build[*]}" ] && ! command -v npm >/dev/null; then
+  missing+=(nodejs npm)
+fi
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 echo "installing: ${missing[*]}"

@@ -12,6 +12,10 @@ BUILD_DIR=build scripts/test-package.sh
 # The Python package, installed offline and tested on the simulated desktop.
 echo "== Python package"
 BUILD_DIR=build scripts/test-python.sh
+# The MCP server, driven by the official TypeScript SDK client (npm).
+echo "== MCP server with the official TypeScript SDK client"
+(cd tests/mcp_client && npm ci --no-audit --no-fund --silent)
+node tests/mcp_client/client_test.mjs build/zeblo examples/desktop.json
 # The end-to-end suite against real GTK and Qt applications in a headless
 # session, and a Qt menu bar compared with pyatspi's view of it (the build
 # above is reused as it stands).

@@ -258,7 +258,7 @@ def window_exists(app: Optional[str], window: Optional[str] = None) -> bool:
 
 
 def window_titles(app: Optional[str]) -> List[str]:
-    """The titles of the application's windows. Raises ZebloError when not found."""
+    """The titles of the application's windows (app matched loosely); [] when it is not found."""
     return _result(library().zeblo_get_window_titles(_text(app)))
 
 

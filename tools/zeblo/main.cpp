@@ -6,7 +6,8 @@
 // With --simulate the tool installs a simulated desktop read from the file;
 // --trace (simulate mode only) then writes every recorded side effect as one
 // JSON object per line, and a closing {"end": ...} line, to FILE ("-" for
-// standard error).
+// standard error). `zeblo mcp` serves the Model Context Protocol on standard
+// input and output until its input ends (mcp/mcp_server.h).
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "cli.h"
+#include "mcp_server.h"
 #include "platform/platform.h"
 #include "platform/sim/sim_desktop.h"
 
@@ -33,6 +35,12 @@ Commands allCommands() {
     zeblo::cli::addKeyboardCommands(commands);
     zeblo::cli::addWindowCommands(commands);
     zeblo::cli::addAppCommands(commands);
+    // The MCP server: requests on standard input, answers on standard output.
+    commands.push_back({"mcp", "", 0, 0, {}, [](const Args&) {
+                            zeblo::mcp::Server server;
+                            server.serve(std::cin, std::cout);
+                            return 0;
+                        }});
     return commands;
 }
 
@@ -124,6 +132,7 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "zeblo: cannot read desktop '%s': %s\n", simulate.c_str(), e.what());
             return 3;
         }
+        desktop->setRecording(haveTrace);  // a long-running `mcp` keeps nothing it will not write
         zeblo::platform::install(desktop);
     }
 
