@@ -108,7 +108,9 @@ TEST_F(Mcp, ResultsFailuresAndAnswers) {
     EXPECT_EQ(call("click_button", {{"app_name", "Quick Notes"}, {"button_name", "Publish"}}),
               std::make_pair(std::string("Button 'Publish' not found in window"), true));
     EXPECT_EQ(call("menu_click", {{"app_name", "Quick Notes"}, {"menu_path", {"File", "Revert to Saved"}}}),
-              std::make_pair(std::string("The operation couldn\xe2\x80\x99t be completed. (ZEBLOui.MenuError error 5.)"), true));
+              std::make_pair(std::string("The operation couldn\xe2\x80\x99t be completed. (ZEBLOui.MenuError error 5.) "
+                                        "\xe2\x80\x94 the item refused to be chosen"),
+                            true));
     // A quiet function's false is an answer.
     EXPECT_EQ(call("window_exists", {{"app_name", "Mail"}, {"window_name", "Drafts"}}), std::make_pair(std::string("false"), false));
     EXPECT_EQ(call("menu_item_exists", {{"app_name", "Quick Notes"}, {"menu_path", {"File", "Save"}}}),

@@ -240,13 +240,14 @@ std::optional<std::string> Server::handle(std::string_view line) {
     Json id = hasId ? message["id"] : Json();
     const bool idUsable = id.is_string() || isInteger(id);
     if (!message.contains("method")) return std::nullopt;  // a response to us: there are none to wait for
+    // Notifications (initialized, cancelled, ...) are never answered, even malformed ones.
+    const bool notification = !hasId && message["method"].is_string();
     if (message.value("jsonrpc", Json()) != "2.0" || !message["method"].is_string() || (hasId && !idUsable)) {
-        return hasId || !message["method"].is_string()
-                   ? std::optional<std::string>(errorAnswer(idUsable ? id : Json(), kInvalidRequest, "Invalid Request").dump())
-                   : std::nullopt;
+        if (notification) return std::nullopt;
+        return errorAnswer(idUsable ? id : Json(), kInvalidRequest, "Invalid Request").dump();
     }
+    if (notification) return std::nullopt;
     const std::string method = message["method"].get<std::string>();
-    if (!hasId) return std::nullopt;  // notifications (initialized, cancelled, ...) need no answer
     try {
         const Json result = dispatch(method, message.value("params", Json()));
         return Json({{"jsonrpc", "2.0"}, {"id", id}, {"result", result}}).dump(-1, ' ', false,

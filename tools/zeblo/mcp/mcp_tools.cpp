@@ -39,6 +39,32 @@ Param text(std::string name, std::string description) {
     return {std::move(name), Kind::string, std::move(description), true};
 }
 
+// The library's generic descriptions of typed errors name only a type and a
+// case number ("... (ZEBLOui.MenuError error 1.)"); an agent is also told
+// what the case means.
+std::string explained(std::string text) {
+    struct Case {
+        const char* tail;
+        const char* meaning;
+    };
+    static const Case cases[] = {
+        {"AppError error 0.)", "application not found"},     {"AppError error 1.)", "no frontmost application"},
+        {"AppError error 2.)", "activation failed"},         {"AppError error 3.)", "launch failed"},
+        {"MenuError error 0.)", "application not found"},    {"MenuError error 1.)", "menu item not found"},
+        {"MenuError error 2.)", "no frontmost application"}, {"MenuError error 3.)", "menu bar not found"},
+        {"MenuError error 4.)", "empty menu path"},          {"MenuError error 5.)", "the item refused to be chosen"},
+        {"KeystrokeError error 0.)", "application not found"},
+        {"KeystrokeError error 1.)", "no frontmost application"},
+    };
+    for (const Case& c : cases) {
+        const std::string tail = std::string("(ZEBLOui.") + c.tail;
+        if (text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0) {
+            return text + " \xe2\x80\x94 " + c.meaning;
+        }
+    }
+    return text;
+}
+
 // A string result: its JSON, or the text of its error object as a failure.
 Outcome fromString(const char* result) {
     const std::unique_ptr<const char, void (*)(const char*)> owned(result, zeblo_free_string);
@@ -46,7 +72,7 @@ Outcome fromString(const char* result) {
     std::string text(result);
     const Json parsed = Json::parse(text, nullptr, false);
     if (parsed.is_object() && parsed.size() == 1 && parsed.contains("error") && parsed["error"].is_string()) {
-        return {parsed["error"].get<std::string>(), true};
+        return {explained(parsed["error"].get<std::string>()), true};
     }
     return {std::move(text), false};
 }
@@ -58,7 +84,7 @@ Outcome fromBool(bool ok, const platform::LogCapture& log, std::string_view func
     if (ok || quiet) return {ok ? "true" : "false", false};
     const std::string prefix = std::string(function) + " error: ";
     for (auto it = log.lines().rbegin(); it != log.lines().rend(); ++it) {
-        if (it->rfind(prefix, 0) == 0) return {it->substr(prefix.size()), true};
+        if (it->rfind(prefix, 0) == 0) return {explained(it->substr(prefix.size())), true};
     }
     return {std::string(function) + " failed", true};
 }
