@@ -12,8 +12,6 @@
 // desktop keeps no trace in memory, so a long test run accumulates nothing.
 // Log lines go to the system log (and to standard error as well when
 // ZEBLO_LOG_STDERR is 1), and into the trace.
-#include <syslog.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -22,6 +20,7 @@
 
 #include "platform/default_platform.h"
 #include "platform/sim/sim_desktop.h"
+#include "platform/system_log.h"
 
 namespace zeblo::platform {
 namespace {
@@ -81,14 +80,6 @@ TraceFile& traceFile() {
     return *file;
 }
 
-void systemLog(std::string_view line) {
-    const std::string text(line);
-    syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
-    if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
-        std::fprintf(stderr, "%s\n", text.c_str());
-    }
-}
-
 std::shared_ptr<Platform> simulatedFromEnvironment() {
     std::shared_ptr<sim::SimDesktop> desktop;
     std::string problem;
@@ -105,7 +96,7 @@ std::shared_ptr<Platform> simulatedFromEnvironment() {
     }
     if (!desktop) desktop = std::make_shared<sim::SimDesktop>();
     desktop->setRecording(false);
-    desktop->setLogSink(systemLog);
+    desktop->setLogSink(writeSystemLog);
 
     if (const char* trace = std::getenv("ZEBLO_TRACE"); trace != nullptr && *trace != '\0') {
         TraceFile& file = traceFile();
@@ -113,7 +104,7 @@ std::shared_ptr<Platform> simulatedFromEnvironment() {
             desktop->setTraceSink([&file](const nlohmann::ordered_json& entry) { file.write(entry); });
             std::atexit([] { traceFile().close(); });
         } else {
-            systemLog(std::string("ZEBLO_TRACE: cannot write trace '") + trace + "'");
+            writeSystemLog(std::string("ZEBLO_TRACE: cannot write trace '") + trace + "'");
         }
     }
     if (!problem.empty()) desktop->log(problem);

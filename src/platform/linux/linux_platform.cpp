@@ -3,7 +3,6 @@
 #include "platform/linux/linux_platform.h"
 
 #include <sys/stat.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,7 @@
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
 #include "platform/reply_limit.h"
+#include "platform/system_log.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -282,11 +282,7 @@ double LinuxPlatform::now() {
 
 void LinuxPlatform::writeLog(std::string_view line) {
     const auto locked = guard();
-    const std::string text(line);
-    syslog(LOG_INFO, "%s", text.c_str());  // the line is text, never a format
-    if (const char* echo = std::getenv("ZEBLO_LOG_STDERR"); echo != nullptr && *echo == '1') {
-        fprintf(stderr, "%s\n", text.c_str());
-    }
+    writeSystemLog(line);
 }
 
 void LinuxPlatform::retainHandle(HandleKind kind, void* raw) noexcept {
