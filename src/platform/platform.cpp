@@ -105,10 +105,9 @@ Platform& defaultPlatform() {
     return **backend;
 }
 
-}  // namespace
-
-namespace {
+// The innermost capture of the calling thread.
 thread_local LogCapture* t_capture = nullptr;
+
 }  // namespace
 
 LogCapture::LogCapture() : outer_(t_capture) { t_capture = this; }
