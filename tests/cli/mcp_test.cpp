@@ -73,7 +73,7 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
     load("{}");
     const Json tools = request("tools/list")["result"]["tools"];
     ASSERT_EQ(tools.size(), 24u);
-    std::set<std::string> readOnly;
+    std::set<std::string> readOnly, idempotentActs;
     for (const Json& tool : tools) {
         const std::string name = tool["name"];
         EXPECT_EQ(tool["inputSchema"]["type"], "object") << name;
@@ -83,14 +83,18 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
         if (hints["readOnlyHint"] == true) {
             readOnly.insert(name);
             EXPECT_FALSE(hints.contains("destructiveHint")) << name;
+            EXPECT_EQ(hints["idempotentHint"], true) << name;
         } else {
             EXPECT_EQ(hints["destructiveHint"], true) << name;
+            if (hints["idempotentHint"] == true) idempotentActs.insert(name);
         }
     }
     EXPECT_EQ(readOnly, (std::set<std::string>{"get_app_menus", "menu_item_exists", "menu_item_enabled",
                                                "get_window_buttons", "get_window_text", "get_frontmost_info",
                                                "get_running_apps", "is_in_text_field", "window_exists",
                                                "get_window_titles", "wait_for_window"}));
+    // Repeating these changes nothing more; typing, clicking or closing twice does.
+    EXPECT_EQ(idempotentActs, (std::set<std::string>{"set_checkbox_value", "get_popup_menu_items", "focus_app"}));
     const Json& click = tools[1];
     ASSERT_EQ(click["name"], "menu_click");
     EXPECT_EQ(click["inputSchema"]["required"], Json::array({"menu_path"}));
@@ -124,6 +128,9 @@ TEST_F(Mcp, ResultsFailuresAndAnswers) {
     EXPECT_EQ(call("wait_for_window", {{"app_name", "Quick Notes"}, {"window_name", "export complete"}, {"timeout", 1000}}).first,
               "true");
     EXPECT_EQ(desk().clock(), 0.25);
+    // The spelling check box (on) toggles off when pressed.
+    EXPECT_EQ(call("click_checkbox", {{"app_name", "Quick Notes"}, {"checkbox_name", "spelling"}}).first, "true");
+    EXPECT_EQ(std::get<std::int64_t>(*desk().node("spell-check")->findAttr("AXValue")), 0);
 }
 
 TEST_F(Mcp, ArgumentsAreCheckedAgainstTheSchema) {
@@ -142,6 +149,8 @@ TEST_F(Mcp, ArgumentsAreCheckedAgainstTheSchema) {
     EXPECT_EQ(call("set_checkbox_value", {{"checkbox_name", "spelling"}, {"value", 1.5}}).first,
               "Invalid arguments: 'value' must be an integer");
     EXPECT_EQ(call("close_window", {{"window_name", "settings"}, {"retry_timeout", 600001}}).second, true);
+    EXPECT_EQ(call("wait_for_window", {{"window_name", "settings"}}).first,
+              "Invalid arguments: missing argument 'timeout' (integer)");
     EXPECT_TRUE(traceOf("action").empty());  // nothing reached the desktop
     // Null is the same as leaving an optional argument out.
     EXPECT_EQ(call("get_window_buttons", {{"app_name", nullptr}, {"window_name", nullptr}}).first, R"(["Save","Share…"])");

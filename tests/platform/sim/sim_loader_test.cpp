@@ -88,6 +88,7 @@ TEST_F(SimTest, BadFilesAreRefusedWithTheirPlace) {
         {R"({"pasteboard": [{"t": 5}]})", "pasteboard[0].t"},
         {R"({"timeline": [{"frontmost": 1}]})", "at"},
         {R"({"timeline": [{"at": "soon", "frontmost": 1}]})", "at"},
+        {R"({"timeline": [{"at": 1, "frontmost": "Mail"}]})", "timeline[0].frontmost"},
         {R"({"timeline": [{"at": 1, "explode": 1}]})", "explode"},
         {R"({"timeline": [{"at": 1, "removeWindow": "ghost"}]})", "ghost"},
         {R"({"timeline": [{"at": 1, "hangApp": {"pid": 1}}]})", "hangApp"},
