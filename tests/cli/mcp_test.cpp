@@ -99,6 +99,15 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
     ASSERT_EQ(click["name"], "menu_click");
     EXPECT_EQ(click["inputSchema"]["required"], Json::array({"menu_path"}));
     EXPECT_EQ(click["inputSchema"]["properties"]["menu_path"]["items"]["type"], "string");
+    EXPECT_EQ(click["inputSchema"]["properties"]["app_name"]["type"], "string");
+    const Json& keystroke = tools[4];
+    ASSERT_EQ(keystroke["name"], "send_keystroke");
+    const Json& modifiers = keystroke["inputSchema"]["properties"]["modifiers"];
+    EXPECT_EQ(modifiers["type"], "integer");
+    EXPECT_EQ(modifiers["minimum"], 0);
+    EXPECT_EQ(modifiers["maximum"], 15);
+    EXPECT_EQ(modifiers["default"], 0);
+    EXPECT_FALSE(modifiers.contains("items"));
 }
 
 TEST_F(Mcp, ResultsFailuresAndAnswers) {

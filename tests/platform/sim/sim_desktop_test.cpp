@@ -10,11 +10,14 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 TEST_F(SimTest, PasteboardRoundTripsBinaryData) {
-    const char* board = R"([{"public.utf8-plain-text": "hello", "bin": {"base64": "/wABAg=="}}, {"promise": null}])";
+    const char* board =
+        R"([{"public.utf8-plain-text": "hello", "bin": {"base64": "/wABAg=="}, "jpeg": {"base64": "/9j/"}},)"
+        R"( {"promise": null}])";
     load(std::string(R"({"pasteboard": )") + board + "}");
     auto items = *desk->pasteboardItems();
     ASSERT_EQ(items.size(), 2u);
     EXPECT_EQ(items[0].entries[1].second, (Bytes{0xff, 0x00, 0x01, 0x02}));
+    EXPECT_EQ(items[0].entries[2].second, (Bytes{0xff, 0xd8, 0xff}));
     EXPECT_FALSE(items[1].entries[0].second);
     desk->clearPasteboard();
     EXPECT_TRUE(desk->pasteboardItems()->empty());
