@@ -124,6 +124,7 @@ TEST_F(Mcp, ResultsFailuresAndAnswers) {
               std::make_pair(std::string("The operation couldn\xe2\x80\x99t be completed. (ZEBLOui.MenuError error 5.) "
                                         "\xe2\x80\x94 the item refused to be chosen"),
                             true));
+    EXPECT_EQ(call("send_keystroke", {{"key_char", "Ctrl"}}), std::make_pair(std::string("Invalid key character: Ctrl"), true));
     // A quiet function's false is an answer.
     EXPECT_EQ(call("window_exists", {{"app_name", "Mail"}, {"window_name", "Drafts"}}), std::make_pair(std::string("false"), false));
     EXPECT_EQ(call("menu_item_exists", {{"app_name", "Quick Notes"}, {"menu_path", {"File", "Save"}}}),
