@@ -13,8 +13,9 @@ namespace {
 constexpr std::int64_t kInt32Max = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t kTimeMax = 600000;  // ten minutes: one call must not hold the server longer
 
-Param appName(const std::string& what = "the application") {
-    return {"app_name", Kind::string, "Name of " + what + "; omit for the frontmost application."};
+Param appName() {
+    return {"app_name", Kind::string,
+            "Application name (exact, else matched loosely); omit for the frontmost application."};
 }
 Param exactAppName() {
     return {"app_name", Kind::string,
