@@ -316,12 +316,16 @@
 **
 ** zeblo_get_app_menus.  "checked" is the item's checked state.  "cmdChar"
 ** and "cmdModifiers" come from the accelerator of the item's key binding
-** (e.g. "<Primary>n" gives "N" and 0).  "cmdChar" is what
-** zeblo_send_keystroke takes back as it stands: the character the X key
-** name stands for where it has one ("plus" gives "+", "period" ".", a
+** (e.g. "<Primary>n" gives "N" and 0).  "cmdChar" is the character the X
+** key name stands for where it has one ("plus" gives "+", "period" ".", a
 ** letter in upper case), "F1".."F12", "\n", "\t", "\b", "\x1b", "left",
 ** "right", "up", "down", "home", "end", "pageup", "pagedown" and
-** "forwarddelete" for those keys; an item whose key is none of these (a
+** "forwarddelete" for those keys.  Letters, digits, unshifted symbols, the
+** function keys and the arrows go back to zeblo_send_keystroke as they
+** stand; a shifted symbol ("+") is sent as its unshifted key with Shift,
+** and the other keys by their key codes through
+** zeblo_send_global_keystroke (Home 115, End 119, Page Up 116, Page Down
+** 121, Forward Delete 117).  An item whose key is none of these (a
 ** keypad or media key, Insert) has no key equivalent.  The bits: 1 Shift, 2 Option
 ** (Alt), 4 Control (Super, Meta) and 8 no Command; Control and <Primary>
 ** count as Command, because the command flag is sent as Control.  Qt's key
@@ -626,10 +630,10 @@ ZEBLO_API bool zeblo_menu_item_enabled(const char *appName, const char *const *m
 **            (nothing is trimmed): a letter a-z, a digit, one of
 **            ` - = [ ] \ ; ' , . /  a space, "\t" (Tab), "\n" (Return),
 **            "\b" (Delete, i.e. backspace), "\x1b" (Escape), "f1".."f12",
-**            "left", "right", "up", "down", "home", "end", "pageup",
-**            "pagedown", "forwarddelete", or one of the 21 shifted symbols
-**            of zeblo_type_text (! @ # ... ~), which adds Shift to the
-**            modifiers.  "\r" is not Return.
+**            "left", "right", "up", "down".  No other text names a key:
+**            "return", "home", "pageup" and the shifted symbols ("!", "+")
+**            fail; a shifted symbol is its unshifted key with bit 0 of
+**            modifiers ("!" is "1" with Shift).  "\r" is not Return.
 ** modifiers  bit 0 Shift, bit 1 Control, bit 2 Option, bit 3 Command;
 **            other bits are ignored.
 **

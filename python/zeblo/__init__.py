@@ -156,7 +156,8 @@ def send_keystroke(app: Optional[str], key: str, modifiers: int = Modifier.NONE)
     """Activates app (None: the frontmost) and presses key with modifiers (Modifier flags).
 
     key names one key: "a", "1", ";", " ", "\\t", "\\n" (Return), "\\b",
-    "\\x1b" (Escape), "f1".."f12", "left", "pageup", "forwarddelete", ...
+    "\\x1b" (Escape), "f1".."f12", "left", "right", "up", "down"; nothing
+    else ("!" is "1" with Modifier.SHIFT, "return" and "home" name no key).
     """
     return bool(library().zeblo_send_keystroke(_text(app), _text(key), _int32(modifiers, "modifiers")))
 

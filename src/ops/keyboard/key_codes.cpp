@@ -66,9 +66,6 @@ constexpr std::array<Row, 12> functionKeyCodes{{
 
 constexpr std::array<Row, 4> arrowKeyCodes{{{"left", 123}, {"right", 124}, {"down", 125}, {"up", 126}}};
 
-constexpr std::array<Row, 5> navigationKeyCodes{
-    {{"home", 115}, {"end", 119}, {"pageup", 116}, {"pagedown", 121}, {"forwarddelete", 117}}};
-
 // A character typed with Shift, and the text of the unshifted key carrying it.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 21> shiftedCharacters{{
     {"!", "1"},  {"@", "2"}, {"#", "3"},  {"$", "4"}, {"%", "5"}, {"^", "6"}, {"&", "7"},
@@ -116,7 +113,6 @@ std::optional<KeyCode> keyCharToKeyCode(std::string_view keyText) {
     if (auto c = find(digitKeyCodes, lower)) return c;
     if (auto c = find(specialKeyCodes, lower)) return c;
     if (auto c = find(functionKeyCodes, lower)) return c;
-    if (auto c = find(navigationKeyCodes, lower)) return c;
     return find(arrowKeyCodes, lower);
 }
 

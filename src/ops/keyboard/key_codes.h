@@ -30,9 +30,9 @@ inline constexpr KeyCode kVKeyCode = 9;        // V, of Command-V
 
 // The key a text names: the whole text, fully lower-cased (Unicode), looked up
 // among the letters, digits, one-character special keys ("\n", "\t", " ",
-// backspace, escape and the unshifted punctuation), "f1".."f12", the arrows
-// "left", "right", "down", "up" and "home", "end", "pageup", "pagedown",
-// "forwarddelete". Nothing is trimmed; no other name is known.
+// backspace, escape and the unshifted punctuation), "f1".."f12" and the arrows
+// "left", "right", "down", "up". Nothing is trimmed; no other name is known
+// ("return", "home", "!" name no key).
 std::optional<KeyCode> keyCharToKeyCode(std::string_view text);
 
 // How to type one user-perceived character (one extended grapheme cluster):

@@ -31,14 +31,9 @@ platform::RunningApp targetApplication(const std::string& appName) {
 
 void Keystroke::send(const std::string& appName, const std::string& keyChar, std::int64_t modifiers) {
     // The key is checked first: a bad key with an unknown application reports
-    // the key. A shifted symbol ("+", "?") is its US key with Shift, so that a
-    // menu's key equivalent can be sent as the menu gives it.
-    std::optional<keyboard::KeyPress> key;
-    if (const std::optional<keyboard::KeyCode> named = keyCharToKeyCode(keyChar)) {
-        key = keyboard::KeyPress{*named, false};
-    } else {
-        key = charToKeyCode(keyChar);
-    }
+    // the key. Shifted symbols ("!", "+") name no key here: Shift comes from
+    // the modifiers alone.
+    const std::optional<keyboard::KeyCode> key = keyCharToKeyCode(keyChar);
     if (!key) throw keystrokeFailure("Invalid key character: " + keyChar);
 
     platform::Platform& p = platform::current();
@@ -48,12 +43,12 @@ void Keystroke::send(const std::string& appName, const std::string& keyChar, std
 
     // The flags are set even when there are none, so the events carry no
     // modifier state of their own.
-    const std::uint64_t flags = flagsForModifiers(modifiers) | (key->needsShift ? platform::kEventFlagShift : 0);
-    const platform::Event down = keyboard::keyEvent(nullptr, key->keyCode, true, "Failed to create key down event");
+    const std::uint64_t flags = flagsForModifiers(modifiers);
+    const platform::Event down = keyboard::keyEvent(nullptr, *key, true, "Failed to create key down event");
     p.setEventFlags(down, flags);
     keyboard::post(down);
 
-    const platform::Event up = keyboard::keyEvent(nullptr, key->keyCode, false, "Failed to create key up event");
+    const platform::Event up = keyboard::keyEvent(nullptr, *key, false, "Failed to create key up event");
     p.setEventFlags(up, flags);
     keyboard::post(up);
 }

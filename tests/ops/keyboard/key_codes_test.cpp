@@ -53,11 +53,6 @@ TEST(KeyCharToKeyCode, NamesAndCharacters) {
     EXPECT_EQ(keyCharToKeyCode("right"), 124);
     EXPECT_EQ(keyCharToKeyCode("down"), 125);
     EXPECT_EQ(keyCharToKeyCode("uP"), 126);
-    EXPECT_EQ(keyCharToKeyCode("Home"), 115);
-    EXPECT_EQ(keyCharToKeyCode("end"), 119);
-    EXPECT_EQ(keyCharToKeyCode("PageUp"), 116);
-    EXPECT_EQ(keyCharToKeyCode("pagedown"), 121);
-    EXPECT_EQ(keyCharToKeyCode("forwarddelete"), 117);
     EXPECT_EQ(keyCharToKeyCode(" "), 49);
     EXPECT_EQ(keyCharToKeyCode("\n"), 36);
     EXPECT_EQ(keyCharToKeyCode("\t"), 48);
@@ -70,7 +65,7 @@ TEST(KeyCharToKeyCode, NamesAndCharacters) {
 
 TEST(KeyCharToKeyCode, UnknownTexts) {
     for (const char* text : {"", "f13", "f0", "ab", "  ", " a", "a ", "return", "enter", "tab", "space", "escape",
-                             "delete", "page_up", "!", "\r", "\r\n", "\xC3\xA9", "\xC4\xB0" /* İ */}) {
+                             "delete", "page_up", "!", "+", "home", "end", "pageup", "pagedown", "forwarddelete", "\r", "\r\n", "\xC3\xA9", "\xC4\xB0" /* İ */}) {
         EXPECT_EQ(keyCharToKeyCode(text), std::nullopt) << '"' << text << '"';
     }
     EXPECT_EQ(keyCharToKeyCode(std::string_view("a\0", 2)), std::nullopt);

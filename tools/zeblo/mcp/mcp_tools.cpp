@@ -142,7 +142,8 @@ std::vector<Tool> makeTools() {
                  {exactAppName(),
                   text("key_char", "The key: a-z, 0-9, a symbol such as ; or /, \" \", \"\\t\" (Tab), \"\\n\" "
                                    "(Return), \"\\b\" (Delete), \"\\u001b\" (Escape), f1-f12, left, right, up, "
-                                   "down, home, end, pageup, pagedown, forwarddelete."),
+                                   "down. Nothing else: a shifted symbol is its unshifted key with Shift (\"!\" "
+                                   "is 1 with modifiers 1)."),
                   integer("modifiers", "Sum of 1 Shift, 2 Control, 4 Option, 8 Command.", 0, 15, 0)},
                  false, false, [](const Arguments& a) {
                      return boolTool("zeblo_send_keystroke", false, [&] {
