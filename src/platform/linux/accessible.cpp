@@ -2,9 +2,12 @@
 // children and Collection matches.
 #include "platform/linux/accessible.h"
 
+#include <chrono>
+
 #include "core/unicode.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/tree_search.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -72,16 +75,16 @@ std::string rowNameOf(AtspiAccessible* cell) {
     return {};
 }
 
-AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
+AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role, Sight sight) {
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
     if (!collection) {
         // Menus are not looked into: they hold many items and no menu bar,
         // combo box part or window part.
         return searchTree(
             root, [role](const Glance& g) { return g.role == role; },
-            [](const Glance& g) {
-                return g.has(ATSPI_STATE_SHOWING) && g.role != ATSPI_ROLE_MENU && g.role != ATSPI_ROLE_POPUP_MENU &&
-                       g.role != ATSPI_ROLE_MENU_BAR;
+            [sight](const Glance& g) {
+                return shown(sight, g.states, std::nullopt) && g.role != ATSPI_ROLE_MENU &&
+                       g.role != ATSPI_ROLE_POPUP_MENU && g.role != ATSPI_ROLE_MENU_BAR;
             });
     }
     const Array roles(g_array_new(FALSE, FALSE, sizeof(AtspiRole)));
@@ -92,40 +95,82 @@ AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role) {
     return firstMatch(collection.get(), rule.get());
 }
 
-AccessibleRef findFocused(AtspiAccessible* root) {
+AccessibleRef findFocused(AtspiAccessible* root, Sight sight) {
+    // Focusable elements rank above the others; of equal ranks the innermost
+    // wins.
+    const auto rank = [](std::uint64_t states) { return ((states >> ATSPI_STATE_FOCUSABLE) & 1) != 0 ? 2 : 1; };
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
     if (!collection) {
-        // The focus is inside showing elements only.
-        const auto showing = [](const Glance& g) { return g.has(ATSPI_STATE_SHOWING); };
-        return searchTree(
-            root, [&](const Glance& g) { return showing(g) && g.has(ATSPI_STATE_FOCUSED); }, showing);
+        const auto seen = [sight](const Glance& g) { return shown(sight, g.states, std::nullopt); };
+        return searchBest(
+            root, [&](const Glance& g) { return seen(g) && g.has(ATSPI_STATE_FOCUSED) ? rank(g.states) : 0; }, seen);
     }
     const Ref<AtspiStateSet> states = Ref<AtspiStateSet>::adopt(atspi_state_set_new(nullptr));
     atspi_state_set_add(states.get(), ATSPI_STATE_FOCUSED);
-    atspi_state_set_add(states.get(), ATSPI_STATE_SHOWING);  // closed menus keep a stale focus
+    if (sight == Sight::showing) atspi_state_set_add(states.get(), ATSPI_STATE_SHOWING);  // closed menus keep a stale focus
     const Ref<AtspiMatchRule> rule = Ref<AtspiMatchRule>::adopt(
         atspi_match_rule_new(states.get(), ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, nullptr,
                              ATSPI_Collection_MATCH_ALL, nullptr, ATSPI_Collection_MATCH_ALL, FALSE));
-    return firstMatch(collection.get(), rule.get());
+    Error error;
+    std::vector<AccessibleRef> matches = takeAccessibles(atspi_collection_get_matches(
+        collection.get(), rule.get(), ATSPI_Collection_SORT_ORDER_CANONICAL, 0, TRUE, out(error)));
+    if (matches.size() <= 1) return matches.empty() ? AccessibleRef() : std::move(matches.front());
+    // In canonical (depth-first) order an element comes before those inside
+    // it: the last of the best rank.
+    std::size_t best = 0;
+    int bestRank = 0;
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        const std::optional<std::uint64_t> bits = statesOf(matches[i].get());
+        const int r = bits && shown(sight, *bits, std::nullopt) ? rank(*bits) : 0;
+        if (r >= bestRank && r > 0) {
+            best = i;
+            bestRank = r;
+        }
+    }
+    return bestRank > 0 ? std::move(matches[best]) : AccessibleRef();
 }
 
-std::vector<AccessibleRef> windowsOf(AtspiAccessible* app) {
+std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight sight) {
+    bool answered = true;
+    std::vector<AccessibleRef> children = childrenOf(app, &answered);
+    if (!answered) return std::nullopt;
     std::vector<AccessibleRef> windows;
-    for (AccessibleRef& child : childrenOf(app)) {
+    for (AccessibleRef& child : children) {
         if (!child) continue;
         const AtspiRole role = roleOfObject(child.get());
         // Qt gives a window that is a plain widget (no main window, no
         // dialog) the filler role; it counts when it has a title.
         const bool needsName = role == ATSPI_ROLE_WINDOW || role == ATSPI_ROLE_FILLER;
-        const bool keep = (isWindowRole(role) || role == ATSPI_ROLE_FILLER) &&
-                          hasState(child.get(), ATSPI_STATE_SHOWING) && (!needsName || !nameOf(child.get()).empty());
-        if (keep) {
-            windows.push_back(std::move(child));
-        } else {
-            child.reset();
-        }
+        if (!isWindowRole(role) && role != ATSPI_ROLE_FILLER) continue;
+        const std::optional<std::uint64_t> states = statesOf(child.get());
+        if (!states || !shown(sight, *states, std::nullopt)) continue;
+        if (needsName && nameOf(child.get()).empty()) continue;
+        windows.push_back(std::move(child));
     }
     return windows;
+}
+
+std::optional<std::uint64_t> statesOf(AtspiAccessible* object) {
+    Error error;
+    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
+    if (!set) return std::nullopt;
+    const Array states(atspi_state_set_get_states(set.get()));
+    if (!states) return std::nullopt;
+    std::uint64_t bits = 0;
+    for (guint i = 0; i < states->len; ++i) {
+        const auto state = static_cast<unsigned>(g_array_index(states.get(), AtspiStateType, i));
+        if (state < 64) bits |= std::uint64_t{1} << state;
+    }
+    return bits;
+}
+
+std::optional<Size> sizeOf(AtspiAccessible* object) {
+    const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
+    if (!component) return std::nullopt;
+    Error error;
+    const Owned<AtspiRect, g_free> box(atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_WINDOW, out(error)));
+    if (error || !box) return std::nullopt;
+    return Size{box->width, box->height};
 }
 
 // ---------------------------------------------------------------------------
@@ -143,10 +188,15 @@ bool hasState(AtspiAccessible* object, AtspiStateType state) {
     return atspi_state_set_contains(set.get(), state) != 0;
 }
 
-std::vector<AccessibleRef> childrenOf(AtspiAccessible* object) {
+std::vector<AccessibleRef> childrenOf(AtspiAccessible* object, bool* answered) {
     std::vector<AccessibleRef> children;
     Error error;
+    const auto start = std::chrono::steady_clock::now();
     const int count = atspi_accessible_get_child_count(object, out(error));
+    // A failure that took the whole reply limit is an answer that never came.
+    if (answered != nullptr) {
+        *answered = !error || std::chrono::steady_clock::now() - start < std::chrono::milliseconds(replyLimitMs());
+    }
     if (error || count <= 0) return children;
     children.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {

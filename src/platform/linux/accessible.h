@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/linux/owned.h"
+#include "platform/linux/sight.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -25,14 +26,22 @@ std::string firstActionOf(AtspiAccessible* object);
 // there is none, or `cell` is not a table cell).
 std::string rowNameOf(AtspiAccessible* cell);
 // The first descendant of `root` with `role` (through the Collection
-// interface: one round trip; without it, a search of the showing elements
-// outside menus, a batch or two per level), or null.
-AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role);
-// The first descendant of `root` in the `focused` and `showing` states (one
-// round trip; without the Collection interface, a search that descends into
-// showing elements only), or null.
-AccessibleRef findFocused(AtspiAccessible* root);
-// The application's showing windows (popups included only when titled).
-std::vector<AccessibleRef> windowsOf(AtspiAccessible* app);
+// interface: one round trip; without it, a search of the elements shown
+// under `sight` outside menus, a batch or two per level), or null.
+AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role, Sight sight = Sight::showing);
+// The descendant of `root` that has the keyboard focus: of the elements in
+// the `focused` state and shown under `sight` (Qt reports a focused page tab
+// and viewport beside the focused editor), a focusable one, the innermost.
+// One round trip through the Collection interface; without it, a search that
+// descends into shown elements only. Null when there is none.
+AccessibleRef findFocused(AtspiAccessible* root, Sight sight);
+// The application's windows that are shown under `sight` (popups included
+// only when titled); nothing when the application does not answer.
+std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight sight);
+// The states of `object` (bit n: AtspiStateType n); nothing when it does not
+// answer.
+std::optional<std::uint64_t> statesOf(AtspiAccessible* object);
+// The size of `object` on screen; nothing when it gives none.
+std::optional<Size> sizeOf(AtspiAccessible* object);
 
 }  // namespace zeblo::platform::linux_desktop

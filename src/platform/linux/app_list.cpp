@@ -57,21 +57,42 @@ void AppMemory::keepOnly(const std::vector<ListedApp>& listed) {
     std::erase_if(entries_, [&](const auto& entry) { return names.count(entry.first) == 0; });
 }
 
-void AppMemory::wake(const std::vector<ListedApp>& listed) {
+AppMemory::Entry* AppMemory::find(const std::string& busName) {
+    const auto found = entries_.find(busName);
+    return found != entries_.end() ? &found->second : nullptr;
+}
+
+std::vector<Message> toolkitCalls(const std::string& busName) {
     std::vector<Message> calls;
+    for (const char* property : {"ToolkitName", "Version"}) {
+        calls.push_back(
+            propertyCall(busName.c_str(), ATSPI_DBUS_PATH_ROOT, "org.a11y.atspi.Application", property));
+    }
+    return calls;
+}
+
+void AppMemory::wake(const std::vector<ListedApp>& listed) {
+    // Three calls an application: its root's attributes, its toolkit's name
+    // and version.
+    std::vector<Message> calls;
+    std::vector<Entry*> woken;
     for (const ListedApp& app : listed) {
         const auto found = entries_.find(app.busName);
         if (found == entries_.end() || found->second.silent || found->second.woken) continue;
         found->second.woken = true;
+        woken.push_back(&found->second);
         calls.push_back(methodCall(app.busName.c_str(), app.path.c_str(), kAccessible, "GetAttributes"));
-        calls.push_back(propertyCall(app.busName.c_str(), app.path.c_str(), "org.a11y.atspi.Application", "ToolkitName"));
+        for (Message& call : toolkitCalls(app.busName)) calls.push_back(std::move(call));
     }
     if (calls.empty()) return;
     const std::vector<int> limits(calls.size(), std::min(replyLimitMs(), kListWaitMs));
     const std::vector<Message> answers = callAll(atspi_get_a11y_bus(), calls, limits);
-    for (std::size_t i = 1; i < answers.size(); i += 2) {
-        const char* toolkit = stringAnswer(answers[i]);
-        if (toolkit != nullptr && std::string_view(toolkit) == "Chromium") chromiumWoken_ = true;
+    for (std::size_t i = 0; i < woken.size(); ++i) {
+        const char* toolkit = stringAnswer(answers[3 * i + 1]);
+        const char* version = stringAnswer(answers[3 * i + 2]);
+        if (toolkit == nullptr) continue;
+        woken[i]->toolkit.emplace(toolkit, version != nullptr ? version : "");
+        if (std::string_view(toolkit) == "Chromium") chromiumWoken_ = true;
     }
 }
 

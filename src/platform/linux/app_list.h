@@ -36,6 +36,8 @@ public:
         std::int32_t childCount = -1;
         bool silent = false;
         bool woken = false;  // asked for its root's attributes (see below)
+        // The toolkit's name and version ("GTK", "4.8.3"), once known.
+        std::optional<std::pair<std::string, std::string>> toolkit;
     };
     // How long the batch waits for an application's name: a moment (a
     // healthy application answers in a few milliseconds; one that does not is
@@ -51,10 +53,13 @@ public:
     const Entry& unanswered(const std::string& busName, std::int32_t pid);
     // Forgets the applications that are no longer registered.
     void keepOnly(const std::vector<ListedApp>& listed);
+    // What is known of the application at `busName`, or null.
+    Entry* find(const std::string& busName);
     // Chromium-based applications show their content only after someone
     // asked their root object for its attributes: the list asks every
-    // application once, when it first answers, and tells here whether one of
-    // them is built on Chromium (its content comes a moment later).
+    // application once, when it first answers, for that and for its
+    // toolkit, and tells here whether one of them is built on Chromium (its
+    // content comes a moment later).
     bool takeChromiumWoken() { return std::exchange(chromiumWoken_, false); }
     void wake(const std::vector<ListedApp>& listed);
 
@@ -69,6 +74,10 @@ private:
 // An application that gives no name in time is listed under its remembered
 // name, else its program name (from /proc).
 std::vector<ListedApp> listApplications(AppMemory* memory);
+
+// The Application interface's calls for the toolkit's name and version of
+// the application at `busName` (two calls, in that order).
+std::vector<Message> toolkitCalls(const std::string& busName);
 
 // The accessible object of `listed`, which stood at `index` of the list, with
 // its own reference; null when it has gone.

@@ -23,10 +23,12 @@ struct Reading {
 
     bool has(AtspiStateType state) const;
     std::string name(bool* good = nullptr) const;
-    // Whether the node is a heading or paragraph whose text is carried by
-    // child elements (the inline text of a web page): its children show that
-    // text, so it gives no title or value of its own.
+    // Whether the node is a heading or paragraph with child elements (the
+    // inline parts of a web page): it gives no title of its own.
     bool textInChildren() const;
+    // The number of children, from the survey when it knows them; -1 when
+    // the node does not answer.
+    int childCount() const;
 };
 
 inline AttributeRead ok(Value value) { return {kAXErrorSuccess, std::move(value)}; }

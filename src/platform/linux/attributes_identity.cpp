@@ -8,17 +8,46 @@ bool Reading::has(AtspiStateType state) const {
     return item != nullptr ? ((item->states >> state) & 1) != 0 : hasState(object, state);
 }
 
+namespace {
+
+// Whether `name` is the name of a GTK class ("GtkMenuButton", "AdwGizmo"),
+// which GTK 4 gives an element that has no name of its own.
+bool isClassName(std::string_view name) {
+    for (const std::string_view prefix : {"Gtk", "Adw", "Gsk", "Gdk"}) {
+        if (name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
+            g_ascii_isupper(name[prefix.size()]) &&
+            name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789") ==
+                std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
 std::string Reading::name(bool* good) const {
-    if (item == nullptr) return nameOf(object, good);
-    if (good != nullptr) *good = true;
-    return item->name;
+    std::string read;
+    if (item == nullptr) {
+        read = nameOf(object, good);
+    } else {
+        if (good != nullptr) *good = true;
+        read = item->name;
+    }
+    if (isClassName(read) && platform.applicationSight(object) == Sight::sized) read.clear();
+    return read;
 }
 
 bool Reading::textInChildren() const {
     if (role != ATSPI_ROLE_HEADING && role != ATSPI_ROLE_PARAGRAPH) return false;
-    if (item != nullptr && item->childCount >= 0) return item->childCount > 0;
+    return childCount() > 0;
+}
+
+int Reading::childCount() const {
+    if (item != nullptr && item->childCount >= 0) return item->childCount;
     Error error;
-    return atspi_accessible_get_child_count(object, out(error)) > 0 && !error;
+    const int count = atspi_accessible_get_child_count(object, out(error));
+    return error ? -1 : count;
 }
 
 std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view attribute) {
@@ -30,6 +59,12 @@ std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view att
         bool good = false;
         std::string title = r.name(&good);
         if (!good) return AttributeRead{kAXErrorCannotComplete, {}};
+        // GTK 3 pads a menu item's name where its accelerator is shown
+        // ("Select All      "): the item reads as its menu shows it.
+        if (isMenuItemRole(r.role)) {
+            title.erase(title.find_last_not_of(' ') + 1);
+            title.erase(0, title.find_first_not_of(' '));
+        }
         // A checklist's check box has no name of its own: the row's text
         // names it.
         if (title.empty() && r.role == ATSPI_ROLE_CHECK_BOX) title = rowNameOf(r.object);

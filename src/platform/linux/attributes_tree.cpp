@@ -11,51 +11,91 @@ namespace zeblo::platform::linux_desktop {
 
 namespace {
 
-Value elementArray(LinuxPlatform& p, std::vector<AccessibleRef> objects) {
+AttributeRead elementOrNoValue(LinuxPlatform& p, AccessibleRef object, std::optional<Sight> sight = std::nullopt) {
+    return object ? ok(p.wrap(std::move(object), Node::Kind::accessible, nullptr, sight)) : noValue();
+}
+
+// The application's windows shown to the user, or kAXErrorCannotComplete
+// when it does not answer (a silent application is not one without
+// windows).
+AttributeRead windows(const Reading& r) {
+    LinuxPlatform& p = r.platform;
+    std::optional<std::vector<AccessibleRef>> objects = windowsOf(r.object, p.applicationSight(r.object));
+    if (!objects) return {kAXErrorCannotComplete, {}};
     std::vector<Element> elements;
-    elements.reserve(objects.size());
-    for (AccessibleRef& object : objects) elements.push_back(p.wrap(std::move(object)));
-    return elements;
+    elements.reserve(objects->size());
+    for (AccessibleRef& object : *objects) elements.push_back(p.wrap(std::move(object)));
+    return ok(std::move(elements));
 }
 
-AttributeRead elementOrNoValue(LinuxPlatform& p, AccessibleRef object) {
-    return object ? ok(p.wrap(std::move(object))) : noValue();
+// Whether `child` is shown under `sight`, from the survey when it knows the
+// child, else read live; and its role (for the sight of its own children).
+bool seen(Sight sight, AtspiAccessible* child, const Survey* survey, AtspiRole& role) {
+    const Survey::Item* item = survey != nullptr ? survey->find(child) : nullptr;
+    std::optional<std::uint64_t> states;
+    if (item != nullptr) {
+        role = item->role;
+        states = item->states;
+    } else {
+        role = roleOfObject(child);
+        states = statesOf(child);
+    }
+    // An element whose states cannot be read is kept: it may be gone, or
+    // its application busy, and the walk's own reads will tell.
+    if (!states) return true;
+    std::optional<Size> size;
+    if (needsSize(sight)) size = item != nullptr ? survey->size(child) : sizeOf(child);
+    return shown(sight, *states, size);
 }
 
+// The children a user can see (all of them under Sight::everything), each
+// to be judged in turn by the sight below this node.
 AttributeRead children(const Reading& r) {
     LinuxPlatform& p = r.platform;
-    if (r.role == ATSPI_ROLE_APPLICATION) return ok(elementArray(p, windowsOf(r.object)));
+    if (r.role == ATSPI_ROLE_APPLICATION) return windows(r);
     // A walk starts here: one bulk read serves it (and its children).
     const std::shared_ptr<const Survey> survey = p.surveyFor(r.node);
     const Survey::Item* known = p.surveyed(r.node);
-    std::vector<Element> elements;
+    const Sight sight = p.sightOf(r.node);
+    std::vector<AtspiAccessible*> borrowed;
+    std::vector<AccessibleRef> owned;
     if (known != nullptr && known->childrenKnown) {
-        elements.reserve(known->children.size());
-        for (AtspiAccessible* child : known->children) {
-            elements.push_back(p.wrap(AccessibleRef::retain(child), Node::Kind::accessible, survey));
-        }
+        borrowed = known->children;
     } else {
-        for (AccessibleRef& child : childrenOf(r.object)) {
-            elements.push_back(p.wrap(std::move(child), Node::Kind::accessible, survey));
+        owned = childrenOf(r.object);
+        for (const AccessibleRef& child : owned) borrowed.push_back(child.get());
+    }
+    std::vector<Element> elements;
+    elements.reserve(borrowed.size());
+    for (AtspiAccessible* child : borrowed) {
+        if (child == nullptr) {
+            elements.emplace_back();  // kept as the null entry it is
+            continue;
         }
+        AtspiRole role = ATSPI_ROLE_INVALID;
+        if (sight != Sight::everything && !seen(sight, child, survey.get(), role)) continue;
+        elements.push_back(
+            p.wrap(AccessibleRef::retain(child), Node::Kind::accessible, survey, sightBelow(sight, role)));
     }
     return ok(std::move(elements));
 }
 
-// The menu bar of the focused window, else of the first window with one.
+// The menu bar of the focused window, else of the first window with one. Its
+// menus are navigated closed: everything under it is seen.
 AttributeRead menuBar(const Reading& r) {
-    std::vector<AccessibleRef> windows = windowsOf(r.object);
+    std::vector<AccessibleRef> windows =
+        windowsOf(r.object, r.platform.applicationSight(r.object)).value_or(std::vector<AccessibleRef>{});
     const AtspiAccessible* focused = focusedAmong(r.platform, r.object, windows);
     std::stable_partition(windows.begin(), windows.end(), [&](const AccessibleRef& w) { return w.get() == focused; });
     AccessibleRef bar;
     for (const AccessibleRef& w : windows) {
         if (!bar) bar = findByRole(w.get(), ATSPI_ROLE_MENU_BAR);
     }
-    return elementOrNoValue(r.platform, std::move(bar));
+    return elementOrNoValue(r.platform, std::move(bar), Sight::everything);
 }
 
 std::optional<AttributeRead> readApplication(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXWindows") return ok(elementArray(r.platform, windowsOf(r.object)));
+    if (attribute == "AXWindows") return windows(r);
     if (attribute == "AXFocusedWindow") return elementOrNoValue(r.platform, focusedWindowOf(r.platform, r.object));
     if (attribute == "AXMenuBar") return menuBar(r);
     if (attribute == "AXFocusedUIElement") {
@@ -73,7 +113,7 @@ std::optional<AttributeRead> readTree(const Reading& r, std::string_view attribu
         // GTK's popup is a menu, Qt's a list.
         AccessibleRef menu = findByRole(r.object, ATSPI_ROLE_MENU);
         if (!menu) menu = findByRole(r.object, ATSPI_ROLE_LIST);
-        return elementOrNoValue(r.platform, std::move(menu));
+        return elementOrNoValue(r.platform, std::move(menu), Sight::everything);
     }
     if (attribute == "AXCloseButton" && isWindowRole(r.role)) {
         return ok(r.platform.wrap(AccessibleRef::retain(r.object), Node::Kind::closeButton));

@@ -1,4 +1,7 @@
 // "AXValue": toggles' states, texts, labels and combo boxes' current items.
+#include <string_view>
+#include <vector>
+
 #include "core/unicode.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/attributes.h"
@@ -15,6 +18,61 @@ std::optional<std::string> textOf(const Reading& r) {
     return textContents(r.object);
 }
 
+constexpr std::string_view kEmbeddedObject = "\xEF\xBF\xBC";  // U+FFFC
+
+// The names of `r`'s children in order; nothing when they cannot be read.
+std::optional<std::vector<std::string>> childNames(const Reading& r) {
+    std::vector<std::string> names;
+    if (r.item != nullptr && r.item->childrenKnown) {
+        for (AtspiAccessible* child : r.item->children) {
+            const Survey::Item* known = r.node.survey->find(child);
+            names.push_back(known != nullptr ? known->name : nameOf(child));
+        }
+        return names;
+    }
+    bool answered = true;
+    for (const AccessibleRef& child : childrenOf(r.object, &answered)) {
+        names.push_back(child ? nameOf(child.get()) : std::string());
+    }
+    if (!answered) return std::nullopt;
+    return names;
+}
+
+// The text a block shows of its own. Its Text holds one U+FFFC (embedded
+// object) for each child that stands inside the text (a link in a
+// paragraph), which is given here by the child's name. A block with more
+// children than embedded objects has its runs of text in children of their
+// own (Chromium): they show the text, and the block gives none.
+std::optional<std::string> ownText(const Reading& r) {
+    std::optional<std::string> text = textOf(r);
+    if (!text) return std::nullopt;
+    std::size_t objects = 0;
+    for (std::size_t at = text->find(kEmbeddedObject); at != std::string::npos;
+         at = text->find(kEmbeddedObject, at + kEmbeddedObject.size())) {
+        ++objects;
+    }
+    const int children = r.childCount();
+    if (children < 0) return std::nullopt;
+    if (static_cast<std::size_t>(children) != objects) return std::string();
+    if (objects == 0) return text;
+    std::string own;
+    bool words = false;  // text of the block's own, not only its children's
+    const std::optional<std::vector<std::string>> names = childNames(r);
+    if (!names || names->size() != objects) return std::string();
+    std::size_t from = 0;
+    for (const std::string& name : *names) {
+        const std::size_t at = text->find(kEmbeddedObject, from);
+        const std::string_view run(text->data() + from, at - from);
+        words = words || run.find_first_not_of(" \t\n") != std::string_view::npos;
+        own.append(run).append(name);
+        from = at + kEmbeddedObject.size();
+    }
+    const std::string_view rest(text->data() + from, text->size() - from);
+    words = words || rest.find_first_not_of(" \t\n") != std::string_view::npos;
+    own.append(rest);
+    return words ? own : std::string();
+}
+
 }  // namespace
 
 std::optional<AttributeRead> readValue(const Reading& r, std::string_view attribute) {
@@ -24,8 +82,13 @@ std::optional<AttributeRead> readValue(const Reading& r, std::string_view attrib
         if (r.has(ATSPI_STATE_INDETERMINATE)) return ok(std::int64_t{2});
         return ok(std::int64_t{r.has(ATSPI_STATE_CHECKED) ? 1 : 0});
     }
+    if (isTextBlockRole(role)) {
+        // A paragraph or another block of a document.
+        std::optional<std::string> own = ownText(r);
+        if (!own) return role == ATSPI_ROLE_PARAGRAPH ? AttributeRead{kAXErrorCannotComplete, {}} : unsupported();
+        return ok(std::move(*own));
+    }
     if (isTextRole(role)) {
-        if (r.textInChildren()) return ok(std::string());
         auto text = textOf(r);
         if (!text) return AttributeRead{kAXErrorCannotComplete, {}};
         if (role == ATSPI_ROLE_PASSWORD_TEXT) {

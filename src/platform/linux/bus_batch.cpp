@@ -163,4 +163,21 @@ std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
     return out;
 }
 
+std::optional<std::array<std::int32_t, 4>> rectangleAnswer(const Message& answer) {
+    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return std::nullopt;
+    const char* signature = dbus_message_get_signature(answer.get());
+    if (signature == nullptr || std::strcmp(signature, "(iiii)") != 0) return std::nullopt;
+    DBusMessageIter it, field;
+    dbus_message_iter_init(answer.get(), &it);
+    dbus_message_iter_recurse(&it, &field);
+    std::array<std::int32_t, 4> rectangle{};
+    for (std::int32_t& value : rectangle) {
+        dbus_int32_t word = 0;
+        dbus_message_iter_get_basic(&field, &word);
+        value = word;
+        dbus_message_iter_next(&field);
+    }
+    return rectangle;
+}
+
 }  // namespace zeblo::platform::linux_desktop

@@ -4,6 +4,7 @@
 
 #include <dbus/dbus.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -43,5 +44,8 @@ using Reference = std::pair<std::string, std::string>;
 std::optional<std::vector<Reference>> referencesAnswer(const Message& answer);
 std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer);
 std::optional<std::vector<std::string>> stringsAnswer(const Message& answer);
+// A successful answer that is one structure of four 32-bit integers (a
+// rectangle: x, y, width, height); nothing otherwise.
+std::optional<std::array<std::int32_t, 4>> rectangleAnswer(const Message& answer);
 
 }  // namespace zeblo::platform::linux_desktop

@@ -26,7 +26,7 @@ AtspiAccessible* focusedAmong(LinuxPlatform& p, AtspiAccessible* app, const std:
 }
 
 AccessibleRef focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
-    std::vector<AccessibleRef> windows = windowsOf(app);
+    std::vector<AccessibleRef> windows = windowsOf(app, p.applicationSight(app)).value_or(std::vector<AccessibleRef>{});
     const AtspiAccessible* found = focusedAmong(p, app, windows);
     for (AccessibleRef& w : windows) {
         if (w.get() == found) return std::move(w);
@@ -43,14 +43,15 @@ AccessibleRef focusedWindowOf(LinuxPlatform& p, AtspiAccessible* app) {
 AccessibleRef focusedElementOf(LinuxPlatform& p, AtspiAccessible* app) {
     const AccessibleRef window = focusedWindowOf(p, app);
     if (!window) return {};
-    AccessibleRef focused = findFocused(window.get());
+    const Sight sight = p.applicationSight(app);
+    AccessibleRef focused = findFocused(window.get(), sight);
     if (!focused) {
         Error error;
         const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, out(error)));
         if (!error && p.x11().activeWindowPid() == pid && p.x11().refreshFocus()) {
             for (const double pause : {0.0, 0.005, 0.01, 0.02, 0.04, 0.08}) {
                 p.x11().serve(pause);
-                focused = findFocused(window.get());
+                focused = findFocused(window.get(), sight);
                 if (focused) break;
             }
         }

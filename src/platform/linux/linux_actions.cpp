@@ -6,6 +6,7 @@
 
 #include <chrono>
 
+#include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/x11_session.h"
 #include "platform/reply_limit.h"
@@ -77,6 +78,51 @@ AXError press(AtspiAccessible* object) {
     return outcome(start, error != nullptr, done);
 }
 
+// Whether `object` has a press-like action.
+bool hasPressAction(AtspiAccessible* object) {
+    AXError code = kAXErrorSuccess;
+    for (const std::string& name : actionNames(object, code)) {
+        if (isPressName(name)) return true;
+    }
+    return false;
+}
+
+// The nearest element of the same name as `object` that can be pressed,
+// inside it or around it (GTK 4 makes a menu button of two nested push
+// buttons of one name, and only the inner one has an action), or null.
+AccessibleRef pressableTwin(AtspiAccessible* object) {
+    constexpr int kLevels = 3;
+    const std::string name = nameOf(object);
+    if (name.empty()) return {};
+    std::vector<AccessibleRef> level;
+    level.push_back(AccessibleRef::retain(object));
+    for (int depth = 0; depth < kLevels && !level.empty(); ++depth) {
+        std::vector<AccessibleRef> next;
+        for (const AccessibleRef& at : level) {
+            for (AccessibleRef& child : childrenOf(at.get())) {
+                if (!child) continue;
+                if (nameOf(child.get()) == name && hasPressAction(child.get())) return std::move(child);
+                next.push_back(std::move(child));
+            }
+        }
+        level = std::move(next);
+    }
+    AccessibleRef up = AccessibleRef::retain(object);
+    for (int depth = 0; depth < kLevels && up; ++depth) {
+        up = AccessibleRef::adopt(atspi_accessible_get_parent(up.get(), nullptr));
+        if (up && nameOf(up.get()) == name && hasPressAction(up.get())) return up;
+    }
+    return {};
+}
+
+// Presses `object`, or the twin that can be pressed in its place.
+AXError pressOrTwin(AtspiAccessible* object) {
+    const AXError code = press(object);
+    if (code != kAXErrorActionUnsupported) return code;
+    const AccessibleRef twin = pressableTwin(object);
+    return twin ? press(twin.get()) : code;
+}
+
 // Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
 // window of the same process whose title is the frame's name, or the only one.
 AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
@@ -104,7 +150,7 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     try {
         switch (n->kind) {
             case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
-            case Node::Kind::accessible: return press(n->object.get());
+            case Node::Kind::accessible: return pressOrTwin(n->object.get());
             default: return kAXErrorActionUnsupported;
         }
     } catch (...) {

@@ -45,7 +45,8 @@ NamesRead LinuxPlatform::copyAttributeNames(const Element& element) {
     const AtspiRole role = roleOf(*n);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, std::nullopt};
     for (const char* name : {"AXTitle", "AXDescription", "AXEnabled", "AXChildren"}) names.emplace_back(name);
-    if (isToggleRole(role) || isTextRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_COMBO_BOX)
+    if (isToggleRole(role) || isTextRole(role) || isTextBlockRole(role) || role == ATSPI_ROLE_LABEL ||
+        role == ATSPI_ROLE_COMBO_BOX)
         names.emplace_back("AXValue");
     if (role == ATSPI_ROLE_APPLICATION) {
         for (const char* name : {"AXWindows", "AXFocusedWindow", "AXMenuBar", "AXFocusedUIElement"})

@@ -12,6 +12,7 @@
 
 #include "platform/linux/a11y_switch.h"
 #include "platform/linux/app_list.h"
+#include "platform/linux/bus_batch.h"
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_session.h"
 #include "platform/reply_limit.h"
@@ -79,13 +80,34 @@ LinuxPlatform::LinuxPlatform(Key) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
 
-Element LinuxPlatform::wrap(AccessibleRef object, Node::Kind kind, std::shared_ptr<const Survey> survey) {
+Element LinuxPlatform::wrap(AccessibleRef object, Node::Kind kind, std::shared_ptr<const Survey> survey,
+                            std::optional<Sight> sight) {
     if (!object) return Element();
     auto n = std::make_unique<Node>();
     n->kind = kind;
     n->object = std::move(object);
     n->survey = std::move(survey);
+    n->sight = sight;
     return handOut<Element>(std::move(n));
+}
+
+Sight LinuxPlatform::sightOf(Node& node) {
+    if (!node.sight) node.sight = applicationSight(node.object.get());
+    return *node.sight;
+}
+
+Sight LinuxPlatform::applicationSight(AtspiAccessible* object) {
+    const char* bus = object != nullptr ? busOf(object) : nullptr;
+    if (bus == nullptr) return Sight::showing;
+    AppMemory::Entry* entry = appMemory_.find(bus);
+    if (entry != nullptr && entry->toolkit) return sightOfToolkit(entry->toolkit->first, entry->toolkit->second);
+    // Not asked yet (listed since): asked now, and kept while it is listed.
+    const std::vector<Message> answers = callAll(atspi_get_a11y_bus(), toolkitCalls(bus));
+    const char* name = stringAnswer(answers[0]);
+    const char* version = stringAnswer(answers[1]);
+    if (name == nullptr) return Sight::showing;
+    if (entry != nullptr) entry->toolkit.emplace(name, version != nullptr ? version : "");
+    return sightOfToolkit(name, version != nullptr ? version : "");
 }
 
 const Survey::Item* LinuxPlatform::surveyed(const Node& node) const {

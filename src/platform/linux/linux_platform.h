@@ -31,6 +31,7 @@
 #include "platform/linux/launch_names.h"
 #include "platform/linux/live_count.h"
 #include "platform/linux/owned.h"
+#include "platform/linux/sight.h"
 #include "platform/linux/survey.h"
 #include "platform/linux/x11_keyboard.h"
 #include "platform/platform.h"
@@ -55,6 +56,9 @@ struct Node {
     AccessibleRef object;  // the window for a close button
     std::int32_t pid = 0;
     std::optional<AtspiRole> role;  // read once per node
+    // What the node's children are judged by (sight.h); set from the element
+    // it was reached through, else from its application's toolkit.
+    std::optional<Sight> sight;
     // The bulk read of the walk this node was reached in, if any.
     std::shared_ptr<const Survey> survey;
     std::optional<std::string> keyBinding;  // read once per node
@@ -121,7 +125,7 @@ public:
 
     // Used by the element code (linux_attributes.cpp).
     Element wrap(AccessibleRef object, Node::Kind kind = Node::Kind::accessible,
-                 std::shared_ptr<const Survey> survey = nullptr);
+                 std::shared_ptr<const Survey> survey = nullptr, std::optional<Sight> sight = std::nullopt);
     Node* node(const Element& element) const noexcept;
     // What `node`'s survey knows of it, when the survey is still current.
     const Survey::Item* surveyed(const Node& node) const;
@@ -133,6 +137,11 @@ public:
     // Held by every operation of the backend.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() { return std::unique_lock(lock_); }
     X11Session& x11() { return *x11_; }
+    // The sight `node`'s children are judged by, set once read.
+    Sight sightOf(Node& node);
+    // The sight of the windows of the application `object` belongs to, from
+    // its toolkit (asked for once per application).
+    Sight applicationSight(AtspiAccessible* object);
     // The registered application with process id `pid`, or null.
     AccessibleRef findApplication(std::int32_t pid);
     // Handles the accessibility bus's queued signals without waiting.
@@ -178,14 +187,24 @@ const char* busOf(AtspiAccessible* object);
 std::string pathOf(AtspiAccessible* object);
 // The connection libatspi reaches `object`'s application on, or null.
 DBusConnection* connectionOf(AtspiAccessible* object);
-// The children of `object`; null entries kept.
-std::vector<AccessibleRef> childrenOf(AtspiAccessible* object);
+// The children of `object`; null entries kept. `answered` (when given) is
+// false when the object did not answer within the reply limit.
+std::vector<AccessibleRef> childrenOf(AtspiAccessible* object, bool* answered = nullptr);
 
 // Roles whose value is text (entries, spin buttons, password fields, text
-// views).
+// views, paragraphs).
 inline bool isTextRole(AtspiRole role) {
     return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY || role == ATSPI_ROLE_SPIN_BUTTON ||
            role == ATSPI_ROLE_PASSWORD_TEXT || role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT;
+}
+
+// Roles of the blocks of a document (a web page's headings, paragraphs,
+// <div>s, quotes, list items), whose text may be kept on the block itself
+// (Firefox) or on text children (Chromium); see Reading::ownText.
+inline bool isTextBlockRole(AtspiRole role) {
+    return role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_HEADING || role == ATSPI_ROLE_SECTION ||
+           role == ATSPI_ROLE_BLOCK_QUOTE || role == ATSPI_ROLE_LIST_ITEM || role == ATSPI_ROLE_CAPTION ||
+           role == ATSPI_ROLE_ARTICLE;
 }
 
 // Roles whose value is an on/off state, read and written as 0 or 1.

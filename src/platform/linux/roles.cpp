@@ -59,6 +59,13 @@ constexpr RoleName kRoles[] = {
     {ATSPI_ROLE_SEPARATOR, "AXSplitter"},
     {ATSPI_ROLE_FILLER, "AXGroup"},
     {ATSPI_ROLE_PANEL, "AXGroup"},
+    {ATSPI_ROLE_HEADING, "AXHeading"},
+    {ATSPI_ROLE_SECTION, "AXGroup"},
+    {ATSPI_ROLE_BLOCK_QUOTE, "AXGroup"},
+    {ATSPI_ROLE_LIST_ITEM, "AXGroup"},
+    {ATSPI_ROLE_ARTICLE, "AXGroup"},
+    {ATSPI_ROLE_CAPTION, "AXGroup"},
+    {ATSPI_ROLE_DOCUMENT_WEB, "AXWebArea"},
 };
 
 // The table's name for `role`, or null.
@@ -128,6 +135,12 @@ std::string axRole(Node& node) {
             return *entry ? "AXComboBox" : "AXPopUpButton";
         }
         return findByRole(node.object.get(), ATSPI_ROLE_TEXT) ? "AXComboBox" : "AXPopUpButton";
+    }
+    if (role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT) {
+        // The paragraphs of a document being edited (a word processor's)
+        // are where typed text goes; a web page's are blocks of text.
+        const std::uint64_t states = item != nullptr ? item->states : statesOf(node.object.get()).value_or(0);
+        return ((states >> ATSPI_STATE_EDITABLE) & 1) != 0 ? "AXTextArea" : "AXGroup";
     }
     if (role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY) {
         // GTK marks its entries single-line and its text views multi-line;

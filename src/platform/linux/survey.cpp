@@ -80,6 +80,7 @@ std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
     for (const std::string& interface : *interfaces) {
         item.hasAction |= interface == "org.a11y.atspi.Action";
         item.hasText |= interface == "org.a11y.atspi.Text";
+        item.hasComponent |= interface == "org.a11y.atspi.Component";
     }
     item.childCount = -1;
     return item;
@@ -142,6 +143,7 @@ bool Survey::read(AtspiAccessible* root) {
             const std::string interface = readString(&interfaces);
             item.hasAction |= interface == "org.a11y.atspi.Action";
             item.hasText |= interface == "org.a11y.atspi.Text";
+            item.hasComponent |= interface == "org.a11y.atspi.Component";
         }
         dbus_message_iter_next(&field);
         item.name = readString(&field);
@@ -388,9 +390,41 @@ void Survey::readTexts() const {
         const auto item = items_.find(path);
         if (item == items_.end() || !item->second.hasText) continue;
         const AtspiRole role = item->second.role;
-        if (isTextRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) asked.push_back(&path);
+        if (isTextRole(role) || isTextBlockRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) {
+            asked.push_back(&path);
+        }
     }
     askEach(asked, "org.a11y.atspi.Text", "GetText", {0, -1}, *texts_);  // from the start to the end
+}
+
+std::optional<Size> Survey::size(AtspiAccessible* object) const {
+    if (find(object) == nullptr) return std::nullopt;
+    if (!sizes_) readSizes();
+    const auto found = sizes_->find(pathOf(object));
+    return found != sizes_->end() ? std::optional<Size>(found->second) : std::nullopt;
+}
+
+void Survey::readSizes() const {
+    // The extents of every object the survey knows with the Component
+    // interface, in window coordinates (GTK 4 gives no others on X11).
+    if (!completed_) complete();
+    sizes_.emplace();
+    std::vector<const std::string*> asked;
+    for (const auto& [path, item] : items_) {
+        if (item.hasComponent) asked.push_back(&path);
+    }
+    std::vector<Message> calls;
+    calls.reserve(asked.size());
+    const dbus_uint32_t window = ATSPI_COORD_TYPE_WINDOW;
+    for (const std::string* path : asked) {
+        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Component", "GetExtents");
+        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_UINT32, &window, DBUS_TYPE_INVALID)) call.reset();
+        calls.push_back(std::move(call));
+    }
+    const std::vector<Message> answers = callAll(bus_, calls);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (const auto box = rectangleAnswer(answers[i])) sizes_->emplace(*asked[i], Size{(*box)[2], (*box)[3]});
+    }
 }
 
 std::optional<bool> Survey::hasDescendant(const Item& item, AtspiRole role) const {

@@ -34,6 +34,7 @@
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/live_count.h"
 #include "platform/linux/owned.h"
+#include "platform/linux/sight.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -48,6 +49,7 @@ public:
         std::int32_t childCount = 0;  // -1: not given
         bool hasAction = false;
         bool hasText = false;
+        bool hasComponent = false;
         // The children, in order, when every one of them is known; borrowed
         // from the survey (valid while it lives).
         std::vector<AtspiAccessible*> children;
@@ -76,6 +78,10 @@ public:
     // when the survey cannot tell. All of them are asked for at once, on
     // the first call.
     const std::string* text(AtspiAccessible* object) const;
+    // The size on screen of an object the survey knows, or nothing when it
+    // cannot tell (or the object has none to give). All of them are asked
+    // for at once, on the first call.
+    std::optional<Size> size(AtspiAccessible* object) const;
     std::uint64_t generation() const { return generation_; }
     std::size_t size() const { return items_.size(); }
 
@@ -102,6 +108,7 @@ private:
                  std::initializer_list<dbus_int32_t> arguments, ByPath& into) const;
     void readKeyBindings() const;
     void readTexts() const;
+    void readSizes() const;
     // Sets `item`'s children (it is the object at `owner`) from a
     // GetChildren answer, when every child is under the root.
     void takeChildren(const std::string& owner, Item& item, const Message& answer) const;
@@ -123,6 +130,7 @@ private:
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
     mutable std::optional<ByPath> keyBindings_;
     mutable std::optional<ByPath> texts_;
+    mutable std::optional<std::unordered_map<std::string, Size>> sizes_;
     Counted counted_;
 };
 

@@ -44,42 +44,43 @@ AccessibleRef reach(AtspiAccessible* root, const std::vector<Met>& met, std::siz
     return current;
 }
 
-}  // namespace
-
-AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const Glance&)>& wanted,
-                         const std::function<bool(const Glance&)>& descend) {
+// The search of searchTree and searchBest: calls `met` with each element's
+// entry, glance and depth in the order met, until it answers true; gives the
+// elements met (for reach()).
+std::vector<Met> search(AtspiAccessible* root, const std::function<bool(std::size_t, const Glance&, std::size_t)>& met,
+                        const std::function<bool(const Glance&)>& descend) {
     DBusConnection* bus = root != nullptr ? connectionOf(root) : nullptr;
     if (bus == nullptr || busOf(root) == nullptr) return {};
     const std::string busName = busOf(root);
-    std::vector<Met> met{{pathOf(root), 0, -1}};
-    std::unordered_set<std::string> known{met.front().path};
+    std::vector<Met> elements{{pathOf(root), 0, -1}};
+    std::unordered_set<std::string> known{elements.front().path};
     std::vector<std::size_t> level{0};  // the entries whose children are searched next
     for (std::size_t depth = 0; depth < kMaxLevels && !level.empty(); ++depth) {
         std::vector<Message> calls;
         calls.reserve(level.size());
         for (const std::size_t i : level) {
-            calls.push_back(methodCall(busName.c_str(), met[i].path.c_str(), kAccessible, "GetChildren"));
+            calls.push_back(methodCall(busName.c_str(), elements[i].path.c_str(), kAccessible, "GetChildren"));
         }
         const std::vector<Message> lists = callAll(bus, calls);
-        const std::size_t first = met.size();
+        const std::size_t first = elements.size();
         for (std::size_t k = 0; k < level.size(); ++k) {
             const auto children = referencesAnswer(lists[k]);
             if (!children) continue;
-            for (std::size_t index = 0; index < children->size() && met.size() < kMaxElements; ++index) {
+            for (std::size_t index = 0; index < children->size() && elements.size() < kMaxElements; ++index) {
                 const auto& [childBus, childPath] = (*children)[index];
                 if (childBus != busName || !known.insert(childPath).second) continue;  // elsewhere, or met before
-                met.push_back({childPath, level[k], static_cast<gint>(index)});
+                elements.push_back({childPath, level[k], static_cast<gint>(index)});
             }
         }
         calls.clear();
-        calls.reserve(2 * (met.size() - first));
-        for (std::size_t i = first; i < met.size(); ++i) {
-            calls.push_back(methodCall(busName.c_str(), met[i].path.c_str(), kAccessible, "GetRole"));
-            calls.push_back(methodCall(busName.c_str(), met[i].path.c_str(), kAccessible, "GetState"));
+        calls.reserve(2 * (elements.size() - first));
+        for (std::size_t i = first; i < elements.size(); ++i) {
+            calls.push_back(methodCall(busName.c_str(), elements[i].path.c_str(), kAccessible, "GetRole"));
+            calls.push_back(methodCall(busName.c_str(), elements[i].path.c_str(), kAccessible, "GetState"));
         }
         const std::vector<Message> answers = callAll(bus, calls);
         level.clear();
-        for (std::size_t i = first; i < met.size(); ++i) {
+        for (std::size_t i = first; i < elements.size(); ++i) {
             Glance glance;
             dbus_uint32_t role = 0;
             if (!uint32Answer(answers[2 * (i - first)], &role)) continue;  // gone, or not answering
@@ -89,11 +90,45 @@ AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const G
                     glance.states |= std::uint64_t{(*words)[w]} << (32 * w);
                 }
             }
-            if (wanted(glance)) return reach(root, met, i);
+            if (met(i, glance, depth + 1)) return elements;
             if (descend(glance)) level.push_back(i);
         }
     }
-    return {};
+    return elements;
+}
+
+}  // namespace
+
+AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const Glance&)>& wanted,
+                         const std::function<bool(const Glance&)>& descend) {
+    std::size_t found = 0;
+    const std::vector<Met> elements = search(
+        root,
+        [&](std::size_t i, const Glance& glance, std::size_t) {
+            if (wanted(glance)) found = i;
+            return found != 0;
+        },
+        descend);
+    return found != 0 ? reach(root, elements, found) : AccessibleRef();
+}
+
+AccessibleRef searchBest(AtspiAccessible* root, const std::function<int(const Glance&)>& wanted,
+                         const std::function<bool(const Glance&)>& descend) {
+    std::size_t best = 0, bestDepth = 0;
+    int bestRank = 0;
+    const std::vector<Met> elements = search(
+        root,
+        [&](std::size_t i, const Glance& glance, std::size_t depth) {
+            const int rank = wanted(glance);
+            if (rank > bestRank || (rank == bestRank && rank > 0 && depth > bestDepth)) {
+                best = i;
+                bestRank = rank;
+                bestDepth = depth;
+            }
+            return false;
+        },
+        descend);
+    return best != 0 ? reach(root, elements, best) : AccessibleRef();
 }
 
 }  // namespace zeblo::platform::linux_desktop

@@ -28,4 +28,10 @@ struct Glance {
 AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const Glance&)>& wanted,
                          const std::function<bool(const Glance&)>& descend);
 
+// Searches the same elements as searchTree, all of them, and gives the one
+// that `wanted` ranks highest (a rank of 0 is not wanted; of equal ranks the
+// deepest wins, then the first met), or null.
+AccessibleRef searchBest(AtspiAccessible* root, const std::function<int(const Glance&)>& wanted,
+                         const std::function<bool(const Glance&)>& descend);
+
 }  // namespace zeblo::platform::linux_desktop
