@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "core/unicode.h"
+#include "platform/linux/bus_batch.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/tree_search.h"
 #include "platform/reply_limit.h"
@@ -23,9 +24,21 @@ AccessibleRef firstMatch(AtspiCollection* collection, AtspiMatchRule* rule) {
 
 }  // namespace
 
-AtspiRole roleOfObject(AtspiAccessible* object) {
+namespace {
+
+// Whether a call that started at `start` and failed took the whole reply
+// limit: then no answer came, which is not a refusal.
+bool timedOut(std::chrono::steady_clock::time_point start) {
+    return std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(replyLimitMs());
+}
+
+}  // namespace
+
+AtspiRole roleOfObject(AtspiAccessible* object, bool* answered) {
     Error error;
+    const auto start = std::chrono::steady_clock::now();
     const AtspiRole role = atspi_accessible_get_role(object, out(error));
+    if (answered != nullptr) *answered = !error || !timedOut(start);
     return error ? ATSPI_ROLE_INVALID : role;
 }
 
@@ -130,12 +143,40 @@ AccessibleRef findFocused(AtspiAccessible* root, Sight sight) {
     return bestRank > 0 ? std::move(matches[best]) : AccessibleRef();
 }
 
+namespace {
+
+// The children of `object` asked for in one call, which waits at most the
+// reply limit (libatspi answers an application's child count from what it
+// read when the application registered); nothing when no answer came.
+std::optional<std::vector<AccessibleRef>> childrenAsked(AtspiAccessible* object) {
+    const char* bus = busOf(object);
+    if (_atspi_ref_accessible == nullptr || bus == nullptr) {
+        bool answered = true;
+        std::vector<AccessibleRef> children = childrenOf(object, &answered);
+        return answered ? std::optional(std::move(children)) : std::nullopt;
+    }
+    std::vector<Message> call;
+    call.push_back(methodCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Accessible", "GetChildren"));
+    const auto start = std::chrono::steady_clock::now();
+    const std::optional<std::vector<Reference>> references = referencesAnswer(callAll(connectionOf(object), call).front());
+    if (!references) {
+        if (timedOut(start)) return std::nullopt;
+        return std::vector<AccessibleRef>{};  // refused: gone, or it has none
+    }
+    std::vector<AccessibleRef> children;
+    for (const auto& [childBus, childPath] : *references) {
+        children.push_back(AccessibleRef::adopt(_atspi_ref_accessible(childBus.c_str(), childPath.c_str())));
+    }
+    return children;
+}
+
+}  // namespace
+
 std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight sight) {
-    bool answered = true;
-    std::vector<AccessibleRef> children = childrenOf(app, &answered);
-    if (!answered) return std::nullopt;
+    std::optional<std::vector<AccessibleRef>> children = childrenAsked(app);
+    if (!children) return std::nullopt;
     std::vector<AccessibleRef> windows;
-    for (AccessibleRef& child : children) {
+    for (AccessibleRef& child : *children) {
         if (!child) continue;
         const AtspiRole role = roleOfObject(child.get());
         // Qt gives a window that is a plain widget (no main window, no
@@ -193,14 +234,18 @@ std::vector<AccessibleRef> childrenOf(AtspiAccessible* object, bool* answered) {
     Error error;
     const auto start = std::chrono::steady_clock::now();
     const int count = atspi_accessible_get_child_count(object, out(error));
-    // A failure that took the whole reply limit is an answer that never came.
-    if (answered != nullptr) {
-        *answered = !error || std::chrono::steady_clock::now() - start < std::chrono::milliseconds(replyLimitMs());
-    }
+    if (answered != nullptr) *answered = !error || !timedOut(start);
     if (error || count <= 0) return children;
     children.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
+        const auto asked = std::chrono::steady_clock::now();
         AccessibleRef child = AccessibleRef::adopt(atspi_accessible_get_child_at_index(object, i, out(error)));
+        if (error && timedOut(asked)) {
+            // The application has gone silent: the rest would wait as long.
+            if (answered != nullptr) *answered = false;
+            children.clear();
+            return children;
+        }
         if (error) child.reset();
         children.push_back(std::move(child));
     }

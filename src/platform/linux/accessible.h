@@ -12,10 +12,17 @@
 #include "platform/linux/owned.h"
 #include "platform/linux/sight.h"
 
+// libatspi's own lookup of the object at a bus name and path (a new
+// reference). libatspi exports it without declaring it; declared weak, it is
+// null where a libatspi lacks it, and what needs it reads otherwise.
+extern "C" AtspiAccessible* _atspi_ref_accessible(const char* app, const char* path) __attribute__((weak));
+
 namespace zeblo::platform::linux_desktop {
 
 // The AT-SPI role of `object`; ATSPI_ROLE_INVALID when it does not answer.
-AtspiRole roleOfObject(AtspiAccessible* object);
+// `answered` (when given) is false when no answer came within the reply
+// limit (the application is busy or stopped, not gone).
+AtspiRole roleOfObject(AtspiAccessible* object, bool* answered = nullptr);
 // The accessible name; `ok` (when given) tells whether the read succeeded.
 std::string nameOf(AtspiAccessible* object, bool* ok = nullptr);
 // The whole text of an object with the Text interface.

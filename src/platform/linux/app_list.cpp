@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
-// The program name of process `pid`: the file name of its command's first
-// word, else its short name ("" when unknown).
+}  // namespace
+
 std::string programName(std::int32_t pid) {
     if (pid <= 0) return {};
     const std::string proc = "/proc/" + std::to_string(pid);
@@ -27,8 +27,6 @@ std::string programName(std::int32_t pid) {
     if (name.empty()) std::getline(std::ifstream(proc + "/comm"), name);
     return name;
 }
-
-}  // namespace
 
 int AppMemory::waitFor(const std::string& busName) const {
     const auto found = entries_.find(busName);

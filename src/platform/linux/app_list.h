@@ -75,6 +75,10 @@ private:
 // name, else its program name (from /proc).
 std::vector<ListedApp> listApplications(AppMemory* memory);
 
+// The program name of process `pid`: the file name of its command's first
+// word, else its short name ("" when unknown).
+std::string programName(std::int32_t pid);
+
 // The Application interface's calls for the toolkit's name and version of
 // the application at `busName` (two calls, in that order).
 std::vector<Message> toolkitCalls(const std::string& busName);

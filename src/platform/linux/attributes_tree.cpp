@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "platform/linux/accessible.h"
+#include "platform/linux/app_list.h"
 #include "platform/linux/attributes.h"
 #include "platform/linux/focus.h"
 #include "platform/linux/x11_session.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -21,7 +23,12 @@ AttributeRead elementOrNoValue(LinuxPlatform& p, AccessibleRef object, std::opti
 AttributeRead windows(const Reading& r) {
     LinuxPlatform& p = r.platform;
     std::optional<std::vector<AccessibleRef>> objects = windowsOf(r.object, p.applicationSight(r.object));
-    if (!objects) return {kAXErrorCannotComplete, {}};
+    if (!objects) {
+        const std::int32_t pid = r.node.pid;
+        p.log("Application " + (pid > 0 ? programName(pid) + " (process " + std::to_string(pid) + ")" : "") +
+              " did not answer within " + std::to_string(replyLimitMs()) + " ms: its windows are not known");
+        return {kAXErrorCannotComplete, {}};
+    }
     std::vector<Element> elements;
     elements.reserve(objects->size());
     for (AccessibleRef& object : *objects) elements.push_back(p.wrap(std::move(object)));

@@ -15,8 +15,9 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
         return unsupported();
     }
 
-    const AtspiRole role = roleOf(node);
-    if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, {}};
+    bool answered = true;
+    const AtspiRole role = roleOf(node, &answered);
+    if (role == ATSPI_ROLE_INVALID) return {answered ? kAXErrorInvalidUIElement : kAXErrorCannotComplete, {}};
     const Reading reading{*this, node, node.object.get(), role, surveyed(node)};
     for (const auto family : {readIdentity, readValue, readState, readTree}) {
         if (std::optional<AttributeRead> read = family(reading, attribute)) return std::move(*read);

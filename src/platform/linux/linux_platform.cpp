@@ -101,6 +101,7 @@ Sight LinuxPlatform::applicationSight(AtspiAccessible* object) {
     if (bus == nullptr) return Sight::showing;
     AppMemory::Entry* entry = appMemory_.find(bus);
     if (entry != nullptr && entry->toolkit) return sightOfToolkit(entry->toolkit->first, entry->toolkit->second);
+    if (entry != nullptr && entry->silent) return Sight::showing;  // not waited on again
     // Not asked yet (listed since): asked now, and kept while it is listed.
     const std::vector<Message> answers = callAll(atspi_get_a11y_bus(), toolkitCalls(bus));
     const char* name = stringAnswer(answers[0]);
@@ -146,6 +147,7 @@ Element LinuxPlatform::createApplicationElement(std::int32_t pid) {
     auto n = std::make_unique<Node>();
     n->object = findApplication(pid);
     n->kind = n->object ? Node::Kind::accessible : Node::Kind::application;
+    if (n->object) n->role = ATSPI_ROLE_APPLICATION;  // known without asking one that may be busy
     n->pid = pid;
     return handOut<Element>(std::move(n));
 }

@@ -173,8 +173,9 @@ private:
 // ---------------------------------------------------------------------------
 // Helpers shared by the backend's files.
 
-// The AT-SPI role of `node`, read once.
-AtspiRole roleOf(Node& node);
+// The AT-SPI role of `node`, read once (ATSPI_ROLE_INVALID when it cannot
+// be read; `answered` as for roleOfObject, and such a failure is not kept).
+AtspiRole roleOf(Node& node, bool* answered = nullptr);
 // The role name the library sees for `node` ("AXButton", "AXWindow"...).
 std::string axRole(Node& node);
 bool hasState(AtspiAccessible* object, AtspiStateType state);

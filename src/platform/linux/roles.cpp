@@ -94,13 +94,16 @@ bool isWindowRole(AtspiRole role) {
     return name != nullptr && std::string_view(name) == kWindow;
 }
 
-AtspiRole roleOf(Node& node) {
+AtspiRole roleOf(Node& node, bool* answered) {
+    if (answered != nullptr) *answered = true;
     if (!node.role) {
         const Survey::Item* item = lastKnown(node);
         if (item != nullptr) {
             node.role = item->role;
         } else {
-            node.role = node.object ? roleOfObject(node.object.get()) : ATSPI_ROLE_INVALID;
+            const AtspiRole role = node.object ? roleOfObject(node.object.get(), answered) : ATSPI_ROLE_INVALID;
+            if (answered != nullptr && !*answered) return role;  // asked again next time
+            node.role = role;
         }
         // A check box drawn in a tree view (a checklist) is a table cell whose
         // first action is GTK's "toggle": it reads and acts as a check box. The

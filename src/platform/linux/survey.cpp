@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/linux/accessible.h"
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/linux_platform.h"
 
@@ -92,11 +93,6 @@ constexpr std::size_t kMaxLevelObjects = 4096;
 
 }  // namespace
 
-// libatspi's own lookup of the object at a bus name and path (a new
-// reference). libatspi exports it without declaring it; declared weak, it is
-// null where a libatspi lacks it, and surveys level by level are then not
-// taken.
-extern "C" AtspiAccessible* _atspi_ref_accessible(const char* app, const char* path) __attribute__((weak));
 
 std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t generation) {
     if (root == nullptr || busOf(root) == nullptr) return nullptr;
@@ -275,7 +271,7 @@ void Survey::readLevels(AtspiAccessible* root) {
     // GetItems would have given and for its children, which make the next
     // level. A walk then pays about one round trip per level of the tree,
     // not several per element.
-    if (_atspi_ref_accessible == nullptr) return;
+    if (_atspi_ref_accessible == nullptr) return;  // then not taken
     completed_ = true;  // what the levels do not reach is read live
     objects_.push_back(AccessibleRef::retain(root));
     std::vector<std::string> level{pathOf(root)};
