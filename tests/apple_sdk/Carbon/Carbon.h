@@ -31,6 +31,7 @@ extern const CFStringRef kTISPropertyUnicodeKeyLayoutData;
 extern void* TISGetInputSourceProperty(TISInputSourceRef inputSource, CFStringRef propertyKey);
 extern TISInputSourceRef TISCopyCurrentKeyboardLayoutInputSource(void);
 // The live tests' layout switch.
+extern const CFStringRef kTISPropertyInputSourceIsEnabled;
 extern TISInputSourceRef TISCopyCurrentKeyboardInputSource(void);
 extern CFArrayRef TISCreateInputSourceList(CFDictionaryRef properties, Boolean includeAllInstalled);
 extern OSStatus TISSelectInputSource(TISInputSourceRef inputSource);
