@@ -175,12 +175,16 @@ std::vector<RunningApp> MacPlatform::runningApplications() {
                 apps.push_back(describe(app));
                 listed.insert(app.processIdentifier);
             }
-            Launched& list = launched();
-            const std::lock_guard lock(list.mutex);
-            std::erase_if(list.apps, [&](NSRunningApplication* app) {
-                return listed.count(app.processIdentifier) != 0 || !processAlive(app.processIdentifier);
-            });
-            for (NSRunningApplication* app : list.apps) apps.push_back(describe(app));
+            std::vector<NSRunningApplication*> unlisted;
+            {
+                Launched& list = launched();
+                const std::lock_guard lock(list.mutex);
+                std::erase_if(list.apps, [&](NSRunningApplication* app) {
+                    return listed.count(app.processIdentifier) != 0 || !processAlive(app.processIdentifier);
+                });
+                unlisted = list.apps;
+            }
+            for (NSRunningApplication* app : unlisted) apps.push_back(describe(app));
             return apps;
         }
     });
