@@ -91,8 +91,10 @@
 ** the host: the applications it launches and the clipboard holder, see
 ** PLATFORMS, Processes).  Every call looks
 ** the application, window and elements up afresh: no application, window,
-** element or event is remembered from one call to the next, and every handle
-** a call obtains is released before it returns.  What the library does keep:
+** element or event is remembered from one call to the next (beyond the
+** macOS backend's list of applications it launched, below), and every
+** handle a call obtains is released before it returns.  What the library
+** does keep:
 **   - the desktop backend, chosen at the first call of any function and kept
 **     until the process ends (see PLATFORMS; a desktop that could not be
 **     reached at that first call is not tried again);
