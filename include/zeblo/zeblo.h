@@ -91,17 +91,25 @@
 ** the host: the applications it launches and the clipboard holder, see
 ** PLATFORMS, Processes).  Every call looks
 ** the application, window and elements up afresh: no application, window,
-** element or event is remembered from one call to the next, and every handle
-** a call obtains is released before it returns.  What the library does keep:
+** element or event is remembered from one call to the next (beyond the
+** macOS backend's list of applications it launched, below), and every
+** handle a call obtains is released before it returns.  What the library
+** does keep:
 **   - the desktop backend, chosen at the first call of any function and kept
 **     until the process ends (see PLATFORMS; a desktop that could not be
 **     reached at that first call is not tried again);
 **   - on Linux, that backend's display and bus connections and its lock, and
 **     after a paste a clipboard holder process that outlives the call (see
-**     PLATFORMS, "Linux: what is kept, and the lock").
-** Calls from several threads are safe.  On macOS the library takes no locks
-** of its own: calls run side by side.  On Linux every step of the backend
-** holds one process-wide lock, so concurrent calls interleave step by step.
+**     PLATFORMS, "Linux: what is kept, and the lock");
+**   - on macOS, the current keyboard layout's table, the applications the
+**     library launched until the workspace lists them, and which processes
+**     are built on Chromium (see PLATFORMS, macOS, WHAT IS KEPT).
+** Calls from several threads are safe.  On macOS the backend's locks guard
+** only what it keeps and are never held while another process is called:
+** calls run side by side; work that Apple allows on the main thread only is
+** handed to it, waiting at most the reply limit (PLATFORMS, macOS, MAIN
+** THREAD).  On Linux every step of the backend holds one process-wide lock,
+** so concurrent calls interleave step by step.
 ** Either way calls meet in the desktop itself (the same application, the
 ** same pasteboard, the same event stream), and two calls that drive the same
 ** application or the keyboard at once interfere as two users would.
@@ -131,8 +139,9 @@
 ** Permission.  On macOS the host process needs the accessibility permission
 ** (System Settings > Privacy & Security > Accessibility) for everything that
 ** reads or drives other applications' elements; without it element reads
-** and actions fail and the keystrokes the library posts are not delivered.
-** On Linux there is no permission to grant (see PLATFORMS).
+** and actions fail and the keystrokes the library posts are not delivered
+** (the keystroke functions say so in the log: PLATFORMS, macOS, POSTING
+** PERMISSION).  On Linux there is no permission to grant (see PLATFORMS).
 */
 #ifndef ZEBLO_ZEBLO_H
 #define ZEBLO_ZEBLO_H
@@ -227,33 +236,121 @@
 ** ZEBLO_SIMULATE or ZEBLO_TRACE: a production host cannot be pointed at a
 ** simulated desktop by its environment.
 **
-** macOS.  The backend keeps nothing and takes no locks.  Each accessibility
-** call is a message to the other process; every element the backend creates
-** or reads gets the reply limit as its messaging timeout
-** (AXUIElementSetMessagingTimeout).  Set on the system-wide element, that
-** timeout is also the process's default for elements without one of their
-** own, the host's included.  The workspace's list of applications is
-** refreshed when the host's main run loop turns.  MAIN THREAD: a call made
-** on the main thread runs the main run loop in its default mode during
-** every pause and wait of the call (instead of sleeping), so that launched
-** applications and activations are seen; the host's timers, sources and
-** callbacks scheduled in that mode can therefore run during such a call (a
-** callback may call the library again: it takes no locks).  Off the main
-** thread pauses are sleeps, and a host whose main run loop never turns sees
-** applications launched since its last turn as missing.  ACTIVATION: from
-** macOS 14 activation is cooperative and option 2 (ignoring other
-** applications) has no effect; every activation is therefore checked
-** through the application's "AXFrontmost" (a host that is an application
-** first yields its activation to it), and one that did not come forward
-** within 0.05 s is asked again by setting "AXFrontmost"; it counts as
-** refused when it is still not in front 0.05 s later (zeblo_focus_app then
-** fails as for a refused activation; keystrokes are sent regardless, as
-** their blocks say).  An application that cannot tell is taken at its word.
-** Before macOS 14, option 2 brings the application forward whatever is in
-** front.  PASTEBOARD PRIVACY: from macOS 15.4 the system may ask the user
-** when the host reads the general pasteboard; unless the user chose to
-** always allow it for the host, zeblo_paste_text refuses (see its block)
-** and leaves the pasteboard untouched.  Log lines go to NSLog.
+** macOS.  Each accessibility call is a message to the other process; every
+** element the backend creates or reads gets the reply limit as its messaging
+** timeout (AXUIElementSetMessagingTimeout).  Set on the system-wide element,
+** that timeout is also the process's default for elements without one of
+** their own, the host's included.  Pauses are plain sleeps on every thread:
+** the library never runs the host's run loop.
+** APPLICATIONS: the frontmost application is the one the accessibility
+** server names (the system-wide element's "AXFocusedApplication"), else the
+** workspace's frontmostApplication.  The running applications are the
+** workspace's list, followed by the applications the library launched that
+** the list does not show yet.  The workspace updates its list when the
+** host's main run loop turns, so the one thing that waits for that loop is
+** the list itself: an application someone else started, hid or showed since
+** the loop last turned appears so once it turns (an application host's loop
+** turns all the time; a host that calls on its main thread and never runs
+** its loop keeps seeing those as they were at its first call).
+** LAUNCHING: the name is a path (with or without ".app"); the name an
+** application is installed under, as Launch Services finds it
+** (-[NSWorkspace fullPathForApplication:]); or the name a running
+** application is listed under, or the display name of an application in
+** /Applications, /Applications/Utilities, /System/Applications,
+** /System/Applications/Utilities or ~/Applications, so that the localized
+** name the list shows ("Rechner" for Calculator on a German Mac) launches
+** it too.  The application is opened with -[NSWorkspace
+** openApplicationAtURL:configuration:completionHandler:], which brings one
+** that runs already to the front, and the call waits for its handler up to
+** the reply limit: an error is a refused launch, no answer in that time a
+** launch under way (accepted).  A refusal logs, before the failure line,
+**     Launch: no application 'NAME' was found
+**     Launch: 'NAME' could not be opened: REASON
+** An application launched by one name and listed under another is found
+** by the name it is listed under only: on a German Mac, zeblo_focus_app with
+** "Calculator" and shouldLaunch starts Calculator and answers AppError 0,
+** with "Rechner" it launches and finds it.
+** MAIN THREAD: AppKit's NSApplication and the input source manager behind
+** keyboard layouts are used on the main thread only.  Called on another
+** thread, the library hands that work to the main queue and waits for it at
+** most the reply limit: the host's yielding of its activation (ACTIVATION),
+** the reading of the keyboard layout at the start of every keystroke
+** function, and, once, the making of the process's first keyboard event
+** (the system sets up its key translation then, asking the input source
+** manager, which traps off the main thread from macOS 14).  A main thread
+** that does not run its queue in time costs that wait once; until it has
+** run the work, later calls do not wait for it, a keystroke uses the layout
+** read before and logs
+**     Keyboard: the main thread did not answer within N ms; the keyboard layout read before is used
+** ("no keyboard layout is known yet" when there is none), and before the
+** first keyboard event has been made there no key event is made on other
+** threads: the keystroke fails with its "Failed to create ..." failure
+** after
+**     Keyboard: no keyboard event can be made on this thread until the main thread has made the first one
+** A host whose main thread runs its event loop or dispatch_main, or that
+** calls on the main thread (a main-queue block, a Swift @MainActor task),
+** never waits for this.
+** KEYBOARD LAYOUT: key codes stay the library's US key codes, each standing
+** for what it types on a US layout (with Shift: "2" is "@").  The backend
+** reads the current layout (TISCopyCurrentKeyboardLayoutInputSource and
+** UCKeyTranslate, for the keyboard type of the event source, again whenever
+** the layout changes) and posts every key event as the key and the Shift
+** and Option that type that character in it, the event's other flags and
+** its marker kept, carrying the character as the event's text: "y" is the
+** German "z" key, "@" is Option-L under German, "1" is Shift and the "&" key
+** under French.  A key sent with Command, Control or Option
+** (zeblo_send_keystroke, the paste chord, global chords) goes to the key
+** the layout types its character on, as a user of that layout presses the
+** shortcut: Command-Z is Command and the German "z" key, the paste chord
+** under Dvorak Command and the Dvorak "v" key, and a layout with Command
+** keys of its own ("Dvorak - QWERTY Command") uses those.  A character the
+** layout has only as a dead key, or not at all ("^", "`" and "~" under
+** German, every letter under a layout without Latin letters), is typed on
+** the US key carrying the character as its text
+** (CGEventKeyboardSetUnicodeString), which most applications take as
+** typed; a chord without a key for its character is sent as given.  Keys that type
+** no character (Return, Tab, Space, arrows, function and modifier keys) are
+** posted as they are.
+** POSTING PERMISSION: at the start of every keystroke function the backend
+** asks CGPreflightPostEventAccess; when the process may not post events, it
+** logs
+**     Keyboard: this process may not post keyboard events (System Settings > Privacy & Security > Accessibility); the system drops them
+** and posts them regardless (the answer is whether they were posted).
+** CHROMIUM: applications built on Chromium (Electron applications, Chrome
+** and its kin, told by their frameworks) build their accessibility tree
+** only when asked through "AXManualAccessibility".  The library asks once
+** in such an application's life, before the first walk over its elements
+** (its first "AXChildren" read: a menu snapshot, window text, a control
+** lookup), never for a lookup or a wait, and that call pauses 0.2 s for the
+** content to come.  The application keeps its tree from then on.
+** ACTIVATION: option 2 (NSApplicationActivateIgnoringOtherApps) is
+** deprecated from macOS 14, where Apple says it has no effect; on macOS 14
+** and 15 it has been seen to bring applications forward all the same.
+** Either way every activation is checked through the application's
+** "AXFrontmost" (a host that is an application first yields its activation
+** to it), and one that did not come forward within 0.05 s is asked again by
+** setting "AXFrontmost"; it counts as refused when it is still not in front
+** 0.05 s later (zeblo_focus_app then fails as for a refused activation;
+** keystrokes are sent regardless, as their blocks say).  An application
+** that cannot tell is taken at its word.
+** PASTEBOARD: the text zeblo_paste_text puts on the pasteboard for the
+** moment of the paste also carries the types
+** "org.nspasteboard.TransientType" and "org.nspasteboard.AutoGeneratedType"
+** (empty), by which clipboard managers know not to record it.  PRIVACY:
+** from macOS 15.4 (in a build with the macOS 15.4 SDK or later) the system
+** may ask the user, once, whether the host may read the pasteboard;
+** zeblo_paste_text reads it (and so may make the system ask) unless the
+** user has denied it for good in System Settings > Privacy & Security.  It
+** refuses (see its block), leaving the pasteboard untouched, when reading is
+** denied for good or the user declines when asked (the pasteboard lists
+** types, and none of them can be read).
+** WHAT IS KEPT, AND THE LOCKS: the table of the current keyboard layout
+** (with the input source and keyboard type it was read for); whether the
+** first keyboard event has been made; up to 64 applications launched and
+** not yet listed by the workspace (dropped when they end); and for up to
+** 256 processes whether they are built on Chromium and were asked for their
+** tree.  Each is behind a lock of its own, held for no call to another
+** process.  Log lines go to NSLog.
 **
 ** LINUX: WHAT EACH FUNCTION DOES DIFFERENTLY
 **
@@ -614,10 +711,12 @@ ZEBLO_API bool zeblo_menu_item_enabled(const char *appName, const char *const *m
 ** KEYBOARD AND TEXT
 ** Key events are posted at the HID event tap, where hardware events enter,
 ** so they go to whatever has the keyboard focus when they arrive.  Keys are
-** named by the virtual key codes of a US keyboard, and typing assumes a US
-** keyboard layout.  A true answer means the events were posted, not that an
-** application took them.  Keystroke failures are errors whose description is
-** the text given in each block.  Linux: see PLATFORMS, Keyboard.
+** named by the virtual key codes of a US keyboard, each standing for what it
+** types on a US layout; the backend presses the keys of the current layout
+** that type the same (PLATFORMS, macOS, KEYBOARD LAYOUT).  A true answer
+** means the events were posted, not that an application took them.
+** Keystroke failures are errors whose description is the text given in each
+** block.  Linux: see PLATFORMS, Keyboard.
 ** ========================================================================= */
 
 /*
@@ -735,9 +834,13 @@ ZEBLO_API bool zeblo_type_text(const char *text, bool markEvents);
 **   "Failed to create event source", "Failed to create Cmd+V key down",
 **   "Failed to create Cmd+V key up"
 ** and the pasteboard then holds the text alone: the saved contents are lost;
-** or, before anything is read or written, when the pasteboard cannot be
-** read without the system asking the user (macOS 15.4 and later, see
-** PLATFORMS, macOS):
+** or, before anything is written, when the pasteboard may not be read
+** (macOS 15.4 and later: denied for good, or declined when the system asked;
+** see PLATFORMS, macOS, PASTEBOARD), after the line
+**   Pasteboard: this application may not read the pasteboard (System Settings > Privacy & Security)
+** or
+**   Pasteboard: the pasteboard could not be read (the user did not allow it)
+** with the description
 **   "Pasteboard cannot be read without asking the user"
 ** and the pasteboard is left exactly as it was.
 ** Linux: the CLIPBOARD selection, every target is saved and restored
@@ -1070,15 +1173,17 @@ ZEBLO_API bool zeblo_focus_app(const char *appName, const char *windowName, bool
 /*
 ** zeblo_launch_app: ask the system to launch an application by name.
 **
-** appName  required; given to the system unchanged: on macOS to
-**          -[NSWorkspace launchApplication:], which takes an application's
-**          name (with or without ".app") or a full path, and brings an
-**          application that already runs to the front.
+** appName  required; an application's name (with or without ".app",
+**          the name it is installed under or the name the list of running
+**          applications shows) or a full path (PLATFORMS, macOS,
+**          LAUNCHING).  An application that already runs is brought to the
+**          front.
 **
-** Only the request: no lookup, no activation of its own, no waiting.
-** Returns true when the system accepted the request.  On failure returns
-** false and logs "zeblo_launch_app error: " and the description of
-** AppError 3.
+** Only the request: no lookup, no activation of its own; the call waits for
+** the system's answer at most the reply limit.  Returns true when the system
+** opened the application or has not answered within that time.  On failure
+** returns false and logs "zeblo_launch_app error: " and the description of
+** AppError 3, after the launch's own line (PLATFORMS, macOS, LAUNCHING).
 ** Linux: "" fails; see PLATFORMS, Launching.
 */
 ZEBLO_API bool zeblo_launch_app(const char *appName);

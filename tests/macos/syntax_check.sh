@@ -10,14 +10,18 @@
 #
 # Usage: syntax_check.sh [CLANGXX [DEPLOYMENT_TARGET]]   (defaults: clang++, 11.0)
 #
-# Each file is compiled three times: for the deployment target with BOOL as
-# on Intel (signed char) and as on Apple silicon (bool), and for macOS 15.4,
-# where whatever was deprecated up to it (macOS 14's activation options, say)
-# is an error. libc++ is the standard library, as on a Mac; the C library's
-# headers are this machine's.
+# The declarations come in two views, of the SDK of Xcode 15.4 (macOS 14.5,
+# the oldest Xcode the project builds with) and of the macOS 15.4 SDK
+# (ZEBLO_SDK_VERSION, which sets __MAC_OS_X_VERSION_MAX_ALLOWED and leaves
+# out what the older SDK lacks). Each file is compiled three times: for the
+# deployment target against each view, with BOOL as on Intel (signed char)
+# and as on Apple silicon (bool), and for macOS 15.4, where whatever was
+# deprecated up to it (macOS 14's activation options, say) is an error.
+# libc++ is the standard library, as on a Mac; the C library's headers are
+# this machine's.
 #
 # The live Mac tests (tests/macos_live) are compiled as well, for the
-# deployment target.
+# deployment target against both views.
 #
 # Before the backend itself, the check proves that it can fail: a few small
 # snippets with known mistakes must be rejected. Then it makes sure that no
@@ -40,11 +44,17 @@ flags=(
   -isystem "$root/tests/apple_sdk" -I "$root/src" -I "$root/include"
   -Wall -Wextra -Wpedantic -Werror -Wformat-security -Wunguarded-availability -Wno-unused-command-line-argument
 )
-oldest=(-target "x86_64-apple-macos$minimum")
+sdk14=-DZEBLO_SDK_VERSION=140500
+sdk15=-DZEBLO_SDK_VERSION=150400
+oldest=(-target "x86_64-apple-macos$minimum" "$sdk15")
 targets=(
-  "-target x86_64-apple-macos$minimum"
-  "-target x86_64-apple-macos$minimum -DZEBLO_SDK_BOOL_IS_BOOL"
-  "-target x86_64-apple-macos15.4"
+  "-target x86_64-apple-macos$minimum $sdk14"
+  "-target x86_64-apple-macos$minimum $sdk15 -DZEBLO_SDK_BOOL_IS_BOOL"
+  "-target x86_64-apple-macos15.4 $sdk15"
+)
+live_targets=(
+  "-target x86_64-apple-macos$minimum $sdk14"
+  "-target x86_64-apple-macos$minimum $sdk15"
 )
 
 failures=0
@@ -100,7 +110,7 @@ must_reject "copy-without-output-slot" \
 must_reject "undeclared-framework-call" \
   'void f(AXUIElementRef e) { CFArrayRef n; AXUIElementCopyParameterizedAttributeNames(e, &n); }'
 must_reject "null-where-apple-forbids-it" \
-  'void f() { [NSRunLoop.mainRunLoop runMode:NSDefaultRunLoopMode beforeDate:nil]; }'
+  'void f() { [NSPasteboard.generalPasteboard setString:nil forType:@"public.utf8-plain-text"]; }'
 must_reject "macos-14-call-without-available" \
   'void f(NSRunningApplication* a) { [NSApp yieldActivationToApplication:a]; }'
 must_accept "macos-14-call-with-available" \
@@ -112,7 +122,17 @@ must_reject "option-deprecated-in-macos-14" \
   -target x86_64-apple-macos15.4
 must_reject "objc-bool-as-int-on-apple-silicon" \
   'static_assert(sizeof(BOOL) == 1 && static_cast<BOOL>(2) == 2, "BOOL is a signed char");' \
-  -target "x86_64-apple-macos$minimum" -DZEBLO_SDK_BOOL_IS_BOOL
+  -target "x86_64-apple-macos$minimum" "$sdk15" -DZEBLO_SDK_BOOL_IS_BOOL
+# What the macOS 15.4 SDK added is missing from the older one, @available or
+# not; the SDK version guards it.
+must_reject "sdk-15.4-property-with-the-14.5-sdk" \
+  'bool f() { if (@available(macOS 15.4, *)) return NSPasteboard.generalPasteboard.accessBehavior == 0; return true; }' \
+  -target "x86_64-apple-macos$minimum" "$sdk14"
+must_accept "sdk-15.4-property-behind-the-sdk-version" \
+  '#if __MAC_OS_X_VERSION_MAX_ALLOWED >= 150400
+bool f() { if (@available(macOS 15.4, *)) return NSPasteboard.generalPasteboard.accessBehavior == 0; return true; }
+#endif' \
+  -target "x86_64-apple-macos$minimum" "$sdk14"
 
 # --- No hand-written releases ---------------------------------------------------------
 # Core Foundation objects are released by ScopedCF, and handles by
@@ -126,7 +146,7 @@ done < <(grep -Hn 'CFRelease *(' "$backend"/*.mm "$backend"/*.h 2>/dev/null)
 
 # --- The backend ------------------------------------------------------------------------
 shopt -s nullglob
-sources=("$backend"/*.mm)
+sources=("$backend"/*.mm "$backend"/*.cpp)
 if [ "${#sources[@]}" -eq 0 ]; then
   fail "no Objective-C++ sources in $backend"
 fi
@@ -144,11 +164,14 @@ done
 # --- The live tests -------------------------------------------------------------------
 # They run only on a Mac, by hand: compiling them here keeps them compiling.
 for source in "$root"/tests/macos_live/*.mm; do
-  if "$cxx" "${flags[@]}" "${oldest[@]}" "$source"; then
-    echo "ok: ${source#"$root"/}"
-  else
-    fail "${source#"$root"/} does not compile"
-  fi
+  for target in "${live_targets[@]}"; do
+    read -r -a target_flags <<<"$target"
+    if "$cxx" "${flags[@]}" "${target_flags[@]}" "$source"; then
+      echo "ok: ${source#"$root"/} ($target)"
+    else
+      fail "${source#"$root"/} does not compile ($target)"
+    fi
+  done
 done
 
 # --- The module map -------------------------------------------------------------------
@@ -168,4 +191,4 @@ if [ "$failures" -ne 0 ]; then
   echo "$failures failure(s)"
   exit 1
 fi
-echo "macOS backend: ${#sources[@]} files compile for ${#targets[@]} targets"
+echo "macOS backend: ${#sources[@]} files compile for ${#targets[@]} targets against both SDK views"

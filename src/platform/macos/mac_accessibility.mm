@@ -4,13 +4,65 @@
 // An empty element handle, or one that another backend made, is never passed
 // to the system: the call answers kAXErrorIllegalArgument, as the system
 // itself does for an illegal argument.
+//
+// Chromium and Electron applications build their accessibility tree (a web
+// page's content) only for an assistive technology that sets
+// "AXManualAccessibility" on them, and keep it up from then on, at a cost.
+// The backend sets it once in such an application's life, before the first
+// walk over its elements (its first "AXChildren" read), never for a lookup or
+// a poll, and pauses 0.2 s for the tree to come.
 
 #include "platform/macos/mac_platform.h"
+
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <unordered_map>
+
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::macos {
 
 namespace {
+
+constexpr double kTreePause = 0.2;
+// Applications whose kind is remembered; beyond that those ended are
+// forgotten first.
+constexpr std::size_t kMaxRemembered = 256;
+
+// Whether an application runs on Chromium: Electron's or the Chromium
+// Embedded Framework, or a framework named after its executable ("Google
+// Chrome Framework", "Microsoft Edge Framework"...).
+bool runsOnChromium(NSRunningApplication* app) {
+    NSFileManager* files = NSFileManager.defaultManager;
+    NSString* frameworks = [app.bundleURL.path stringByAppendingPathComponent:@"Contents/Frameworks"];
+    if (frameworks == nil) return false;
+    NSString* own = [app.executableURL.lastPathComponent stringByAppendingString:@" Framework.framework"];
+    for (NSString* name in @[ @"Electron Framework.framework", @"Chromium Embedded Framework.framework" ]) {
+        if ([files fileExistsAtPath:[frameworks stringByAppendingPathComponent:name]]) return true;
+    }
+    return own != nil && [files fileExistsAtPath:[frameworks stringByAppendingPathComponent:own]];
+}
+
+// What is known of each application process: whether it runs on Chromium,
+// and whether it has been asked for its tree.
+struct Walked {
+    bool chromium = false;
+    bool asked = false;
+};
+
+struct WalkRegistry {
+    std::mutex mutex;
+    std::unordered_map<pid_t, Walked> apps;
+};
+
+// Never destroyed: a thread may still walk while the process exits.
+WalkRegistry& walkRegistry() {
+    static auto* registry = new WalkRegistry;
+    return *registry;
+}
+
+bool processAlive(pid_t pid) { return kill(pid, 0) == 0 || errno == EPERM; }
 
 AXError code(::AXError result) noexcept { return static_cast<AXError>(result); }
 
@@ -42,11 +94,6 @@ Element MacPlatform::createApplicationElement(std::int32_t pid) {
         ScopedCF<AXUIElementRef> app = ScopedCF<AXUIElementRef>::adopt(
             AXUIElementCreateApplication(static_cast<pid_t>(pid)));
         limitReplies(app.get());
-        // Chromium and Electron applications build their accessibility tree
-        // only for an assistive technology that asks for it this way; other
-        // applications refuse the attribute, which changes nothing.
-        const ScopedCF<CFStringRef> manual = makeCFString("AXManualAccessibility");
-        if (manual) (void)AXUIElementSetAttributeValue(app.get(), manual.get(), kCFBooleanTrue);
         return Element::adopt(this, rawHandle(app.release()));
     });
 }
@@ -65,6 +112,7 @@ AttributeRead MacPlatform::copyAttributeValue(const Element& element, std::strin
         AXUIElementRef target = axElement(element);
         ScopedCF<CFStringRef> name = makeCFString(attribute);
         if (target == nullptr || !name) return {kAXErrorIllegalArgument, {}};
+        if (attribute == "AXChildren") prepareWalk(target);
         ScopedCF<CFTypeRef> value;
         const AXError result =
             code(AXUIElementCopyAttributeValue(target, name.get(), value.InitializeInto()));
@@ -135,6 +183,47 @@ NamesRead MacPlatform::copyActionNames(const Element& element) {
         if (result != kAXErrorSuccess) return {result, std::nullopt};
         return {kAXErrorSuccess, stringsFromCFArray(names.get())};
     });
+}
+
+void MacPlatform::prepareWalk(AXUIElementRef element) {
+    pid_t pid = 0;
+    if (AXUIElementGetPid(element, &pid) != kAXErrorSuccess) return;
+    WalkRegistry& registry = walkRegistry();
+    const auto settled = [&] {
+        const auto known = registry.apps.find(pid);
+        // A process id that has ended (and may come back for another
+        // application) is looked at afresh.
+        return known != registry.apps.end() && (!known->second.chromium || known->second.asked) &&
+               processAlive(pid);
+    };
+    {
+        const std::lock_guard lock(registry.mutex);
+        if (settled()) return;
+    }
+    bool chromium = false;
+    @autoreleasepool {
+        NSRunningApplication* app = [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+        chromium = app != nil && runsOnChromium(app);
+    }
+    {
+        const std::lock_guard lock(registry.mutex);
+        if (settled()) return;  // another thread got there first
+        if (registry.apps.size() >= kMaxRemembered) {
+            std::erase_if(registry.apps, [](const auto& entry) { return !processAlive(entry.first); });
+        }
+        if (registry.apps.size() >= kMaxRemembered) registry.apps.clear();
+        registry.apps[pid] = Walked{chromium, chromium};
+    }
+    if (!chromium) return;
+    // Asked once, whatever the answer: an application that does not answer
+    // costs one reply limit in its life.
+    const auto application = ScopedCF<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid));
+    const ScopedCF<CFStringRef> manual = makeCFString("AXManualAccessibility");
+    if (!application || !manual) return;
+    limitReplies(application.get());
+    if (AXUIElementSetAttributeValue(application.get(), manual.get(), kCFBooleanTrue) == kAXErrorSuccess) {
+        sleep(kTreePause);
+    }
 }
 
 bool MacPlatform::isProcessTrusted(bool prompt) {

@@ -16,6 +16,13 @@
 // that process answers or its messaging timeout runs out: every element the
 // backend creates or hands up carries the reply limit (reply_limit.h) as its
 // own timeout (see limitReplies).
+//
+// Threads: operations run on the caller's thread. What Apple allows only on
+// the main thread (AppKit's NSApplication, the input source manager behind
+// keyboard layouts) is handed to it with runOnMainThread. The process-wide
+// state (the keyboard layout, the applications launched, the Chromium
+// applications asked for their content) sits behind locks of its own, held
+// for no call to another process.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -23,11 +30,13 @@
 #import <Foundation/Foundation.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/macos/key_layout.h"
 #include "platform/macos/scoped_cf.h"
 #include "platform/platform.h"
 
@@ -73,6 +82,14 @@ public:
     void releaseHandle(HandleKind kind, void* raw) noexcept override;
 
 private:
+    // Before the first event of a keystroke: reads the keyboard layout again
+    // if it has changed, and says in the log why the keystroke may not arrive.
+    void beginKeystroke();
+    // Before a walk over an application's elements (its first "AXChildren"
+    // read): asks a Chromium or Electron application, once in its life, to
+    // build its accessibility tree (mac_accessibility.mm).
+    void prepareWalk(AXUIElementRef element);
+
     // The AXUIElementRef inside `element`, or null when the handle is empty or
     // belongs to another backend.
     AXUIElementRef axElement(const Element& element) const noexcept;
@@ -108,6 +125,31 @@ void guardedVoid(F&& body) noexcept {
     } @catch (NSException*) {
     }
 }
+
+// ---------------------------------------------------------------------------
+// The main thread (mac_platform.mm).
+
+// Runs `work` on the main thread: at once when called there, otherwise on
+// the main queue, waiting for it at most the reply limit. False when it did
+// not run in that time; it then still runs whenever the main thread gets to
+// it (so it must own what it uses), and until it has, later calls from other
+// threads return false at once instead of waiting again.
+bool runOnMainThread(void (^work)(void));
+
+// ---------------------------------------------------------------------------
+// The keyboard layout (mac_keyboard_layout.mm).
+
+// Reads the current keyboard layout on the main thread when it has changed
+// since the last read (the first read also makes the process's first
+// keyboard event there). False when the main thread did not answer in time.
+bool refreshKeyboardLayout();
+
+// The table of the layout last read; null before the first read.
+std::shared_ptr<const LayoutTable> keyboardLayout();
+
+// Whether this thread may create keyboard events: the main thread always,
+// other threads once the first event has been made on the main thread.
+bool keyboardEventsAllowed();
 
 // ---------------------------------------------------------------------------
 // Text and values (mac_text.mm, mac_values.mm).

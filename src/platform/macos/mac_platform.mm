@@ -1,13 +1,17 @@
-// Sleeping, the clock and the log (Foundation), the reference counting behind
-// the handles, and the factory that makes this backend the default on macOS.
+// Sleeping, the clock and the log (Foundation), work handed to the main
+// thread, the reference counting behind the handles, and the factory that
+// makes this backend the default on macOS.
 
 #include "platform/macos/mac_platform.h"
 
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <memory>
+#include <thread>
 
 #include "platform/default_platform.h"
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform {
 
@@ -21,28 +25,35 @@ namespace zeblo::platform::macos {
 
 void MacPlatform::sleep(double seconds) {
     if (!(seconds > 0) || !std::isfinite(seconds)) return;
-    guardedVoid([&] {
-        if (!NSThread.isMainThread) {
-            [NSThread sleepForTimeInterval:seconds];
-            return;
-        }
-        // On the main thread the pause runs the main run loop in the default
-        // mode until its deadline, so that the workspace's list of
-        // applications and their properties, which change only when that
-        // loop turns, are current when the pause ends. The host's timers and
-        // sources can fire meanwhile. A loop with nothing to run returns at
-        // once: the rest of the pause is slept.
-        @autoreleasepool {
-            NSDate* deadline = [NSDate dateWithTimeIntervalSinceNow:seconds];
-            while (deadline.timeIntervalSinceNow > 0) {
-                if (![NSRunLoop.mainRunLoop runMode:NSDefaultRunLoopMode beforeDate:deadline]) {
-                    const NSTimeInterval rest = deadline.timeIntervalSinceNow;
-                    if (rest > 0) [NSThread sleepForTimeInterval:rest];
-                    break;
-                }
-            }
-        }
+    // A plain sleep on every thread: nothing the library reads depends on
+    // the host's main run loop turning (see mac_workspace.mm).
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+bool runOnMainThread(void (^work)(void)) {
+    if (NSThread.isMainThread) {
+        work();
+        return true;
+    }
+    // Hops that ran out of time and have not run yet. While there is one, the
+    // main thread is not serving its queue: later hops do not wait for it.
+    static std::atomic<int> stalled{0};
+    if (stalled.load() > 0) return false;
+    // 0 waiting, 1 ran in time, 2 given up by the caller.
+    const auto outcome = std::make_shared<std::atomic<int>>(0);
+    dispatch_semaphore_t done = dispatch_semaphore_create(0);
+    dispatch_async(dispatch_get_main_queue(), ^{
+        work();
+        int waiting = 0;
+        if (!outcome->compare_exchange_strong(waiting, 1)) stalled.fetch_sub(1);
+        dispatch_semaphore_signal(done);
     });
+    const auto limit = static_cast<std::int64_t>(replyLimitMs()) * static_cast<std::int64_t>(NSEC_PER_MSEC);
+    if (dispatch_semaphore_wait(done, dispatch_time(DISPATCH_TIME_NOW, limit)) == 0) return true;
+    int waiting = 0;
+    if (!outcome->compare_exchange_strong(waiting, 2)) return true;  // it ran just now
+    stalled.fetch_add(1);
+    return false;
 }
 
 double MacPlatform::now() {

@@ -1,17 +1,31 @@
 // The workspace and running applications (AppKit: NSWorkspace.h,
 // NSRunningApplication.h).
 //
-// The workspace refreshes its list of applications when the main run loop
-// turns; a host that never runs it sees the list as of its last turn (pauses
-// on the main thread run it, see MacPlatform::sleep).
+// The workspace's list of applications and their properties change only when
+// the host's main run loop turns in a common mode; a host that calls from a
+// thread whose main loop is busy or never runs would see an old list. So
+// nothing here waits for that list to change:
+//   - the frontmost application is the one the accessibility server names
+//     ("AXFocusedApplication" of the system-wide element), from the window
+//     server's current state;
+//   - an application launched here is added to the list by its process id
+//     until the workspace lists it itself (or it ends).
+// What still comes from the workspace's list alone: applications started by
+// others since the host's main loop last turned, and changes of the hidden
+// state and activation policy of running applications.
 //
 // Activation is cooperative from macOS 14: a request can be accepted and not
 // carried out. So every activation is checked through the application's
-// "AXFrontmost" attribute, which the accessibility server answers from the
-// window server's current state (the workspace's frontmostApplication is only
-// as fresh as the main run loop's last turn).
+// "AXFrontmost" attribute, and asked for again through it.
 
 #include "platform/macos/mac_platform.h"
+
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <set>
+
+#include "platform/reply_limit.h"
 
 namespace zeblo::platform::macos {
 
@@ -21,6 +35,8 @@ namespace {
 // through the accessibility server, and then before it counts as refused.
 constexpr double kActivationCheckSeconds = 0.05;
 constexpr double kActivationPollSeconds = 0.005;
+// Applications launched here and not yet in the workspace's list.
+constexpr std::size_t kMaxLaunched = 64;
 
 // Whether the application's element says it is frontmost; nothing when it
 // cannot tell (no accessibility permission, no answer).
@@ -45,11 +61,103 @@ RunningApp describe(NSRunningApplication* app) {
     return record;
 }
 
+bool processAlive(pid_t pid) { return kill(pid, 0) == 0 || errno == EPERM; }
+
+struct Launched {
+    std::mutex mutex;
+    std::vector<NSRunningApplication*> apps;
+};
+
+// Never destroyed: a launch may still report while the process exits.
+Launched& launched() {
+    static auto* list = new Launched;
+    return *list;
+}
+
+void rememberLaunched(NSRunningApplication* app) {
+    Launched& list = launched();
+    const std::lock_guard lock(list.mutex);
+    for (NSRunningApplication* known : list.apps) {
+        if (known.processIdentifier == app.processIdentifier) return;
+    }
+    if (list.apps.size() >= kMaxLaunched) list.apps.erase(list.apps.begin());
+    list.apps.push_back(app);
+}
+
+// The process id of the application with the keyboard focus, as the
+// accessibility server sees it now.
+std::optional<pid_t> focusedApplicationPid() {
+    const auto systemWide = ScopedCF<AXUIElementRef>::adopt(AXUIElementCreateSystemWide());
+    const ScopedCF<CFStringRef> attribute = makeCFString("AXFocusedApplication");
+    if (!systemWide || !attribute) return std::nullopt;
+    limitReplies(systemWide.get());
+    ScopedCF<CFTypeRef> value;
+    if (AXUIElementCopyAttributeValue(systemWide.get(), attribute.get(), value.InitializeInto()) != kAXErrorSuccess ||
+        !value || CFGetTypeID(value.get()) != AXUIElementGetTypeID()) {
+        return std::nullopt;
+    }
+    pid_t pid = 0;
+    if (AXUIElementGetPid(static_cast<AXUIElementRef>(value.get()), &pid) != kAXErrorSuccess) return std::nullopt;
+    return pid;
+}
+
+// The application `name` stands for, as an application bundle: a path (with
+// or without ".app"); the name it is installed under, as Launch Services
+// finds it; or the name the list of running applications shows (which may be
+// localized: "Rechner" for Calculator on a German Mac), of an application
+// that runs or lies in an application folder.
+NSURL* applicationURL(NSString* name) {
+    NSFileManager* files = NSFileManager.defaultManager;
+    if ([name hasPrefix:@"/"] || [name hasPrefix:@"~"]) {
+        NSString* path = name.stringByExpandingTildeInPath;
+        for (NSString* candidate in @[ path, [path stringByAppendingString:@".app"] ]) {
+            if ([files fileExistsAtPath:candidate]) return [NSURL fileURLWithPath:candidate];
+        }
+        return nil;
+    }
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+    // Deprecated without a replacement that takes a name; the resolution
+    // the old launch call used.
+    if (NSString* path = [NSWorkspace.sharedWorkspace fullPathForApplication:name]) {
+        return [NSURL fileURLWithPath:path];
+    }
+#pragma clang diagnostic pop
+    for (NSRunningApplication* app in NSWorkspace.sharedWorkspace.runningApplications) {
+        if ([app.localizedName isEqualToString:name] && app.bundleURL != nil) return app.bundleURL;
+    }
+    for (NSString* folder in @[ @"/Applications", @"/Applications/Utilities", @"/System/Applications",
+                                @"/System/Applications/Utilities", @"~/Applications".stringByExpandingTildeInPath ]) {
+        for (NSString* entry in [files contentsOfDirectoryAtPath:folder error:nil]) {
+            if (![entry hasSuffix:@".app"]) continue;
+            NSString* path = [folder stringByAppendingPathComponent:entry];
+            if ([[files displayNameAtPath:path].stringByDeletingPathExtension isEqualToString:name]) {
+                return [NSURL fileURLWithPath:path];
+            }
+        }
+    }
+    return nil;
+}
+
+// What a launch's completion handler reported, shared with the handler,
+// which may run after the launch call has stopped waiting for it.
+struct LaunchReport {
+    std::mutex mutex;
+    bool reported = false;
+    std::string error;  // empty when the application was opened
+};
+
 }  // namespace
 
 std::optional<RunningApp> MacPlatform::frontmostApplication() {
     return guarded(std::optional<RunningApp>(), [&]() -> std::optional<RunningApp> {
         @autoreleasepool {
+            if (const std::optional<pid_t> pid = focusedApplicationPid()) {
+                if (NSRunningApplication* app = [NSRunningApplication runningApplicationWithProcessIdentifier:*pid]) {
+                    return describe(app);
+                }
+            }
+            // The accessibility server cannot tell (no permission, no answer).
             NSRunningApplication* app = NSWorkspace.sharedWorkspace.frontmostApplication;
             if (app == nil) return std::nullopt;
             return describe(app);
@@ -61,10 +169,22 @@ std::vector<RunningApp> MacPlatform::runningApplications() {
     return guarded(std::vector<RunningApp>(), [&] {
         @autoreleasepool {
             std::vector<RunningApp> apps;
+            std::set<pid_t> listed;
             // In the workspace's own order, which the library keeps.
             for (NSRunningApplication* app in NSWorkspace.sharedWorkspace.runningApplications) {
                 apps.push_back(describe(app));
+                listed.insert(app.processIdentifier);
             }
+            std::vector<NSRunningApplication*> unlisted;
+            {
+                Launched& list = launched();
+                const std::lock_guard lock(list.mutex);
+                std::erase_if(list.apps, [&](NSRunningApplication* app) {
+                    return listed.count(app.processIdentifier) != 0 || !processAlive(app.processIdentifier);
+                });
+                unlisted = list.apps;
+            }
+            for (NSRunningApplication* app : unlisted) apps.push_back(describe(app));
             return apps;
         }
     });
@@ -74,15 +194,36 @@ bool MacPlatform::launchApplication(std::string_view name) {
     return guarded(false, [&] {
         @autoreleasepool {
             NSString* appName = makeNSString(name);
-            if (appName == nil) return false;
-            // The name may be a full path or an application's name, with or
-            // without ".app". The call is deprecated in favour of an
-            // asynchronous one, but it is the one that answers at once whether
-            // the launch was accepted.
-#pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wdeprecated-declarations"
-            return [NSWorkspace.sharedWorkspace launchApplication:appName] != NO;
-#pragma clang diagnostic pop
+            NSURL* url = appName.length != 0 ? applicationURL(appName) : nil;
+            if (url == nil) {
+                log("Launch: no application '" + std::string(name) + "' was found");
+                return false;
+            }
+            // Opens the application, or brings it to the front when it runs.
+            const auto report = std::make_shared<LaunchReport>();
+            dispatch_semaphore_t done = dispatch_semaphore_create(0);
+            [NSWorkspace.sharedWorkspace openApplicationAtURL:url
+                                                configuration:[NSWorkspaceOpenConfiguration configuration]
+                                            completionHandler:^(NSRunningApplication* app, NSError* error) {
+                                              if (app != nil) rememberLaunched(app);
+                                              const std::lock_guard lock(report->mutex);
+                                              report->reported = true;
+                                              if (app == nil) {
+                                                  report->error = error != nil
+                                                                      ? utf8FromCFString((__bridge CFStringRef)
+                                                                                             error.localizedDescription)
+                                                                      : "no application was opened";
+                                              }
+                                              dispatch_semaphore_signal(done);
+                                            }];
+            // The handler runs on a queue of AppKit's own. One that has not
+            // reported within the reply limit is a launch under way.
+            const auto limit = static_cast<std::int64_t>(replyLimitMs()) * static_cast<std::int64_t>(NSEC_PER_MSEC);
+            dispatch_semaphore_wait(done, dispatch_time(DISPATCH_TIME_NOW, limit));
+            const std::lock_guard lock(report->mutex);
+            if (!report->reported || report->error.empty()) return true;
+            log("Launch: '" + std::string(name) + "' could not be opened: " + report->error);
+            return false;
         }
     });
 }
@@ -97,11 +238,18 @@ bool MacPlatform::activateApplication(const RunningApp& app, std::uint64_t optio
             if (@available(macOS 14.0, *)) {
                 // A host that is an application hands its activation over
                 // first; without that macOS 14 may keep the host in front.
-                if (NSApp != nil) [NSApp yieldActivationToApplication:running];
+                // NSApplication is for the main thread only.
+                if (NSApp != nil && !runOnMainThread(^{
+                      if (@available(macOS 14.0, *)) [NSApp yieldActivationToApplication:running];
+                    })) {
+                    log("Activation: the main thread did not answer within " + std::to_string(replyLimitMs()) +
+                        " ms; the host hands its activation over when it does");
+                }
             }
-            // 2 is NSApplicationActivateIgnoringOtherApps: before macOS 14 it
-            // brings the application forward whatever is in front; from
-            // macOS 14 it has no effect and the request is a plain one.
+            // 2 is NSApplicationActivateIgnoringOtherApps. Deprecated from
+            // macOS 14, where Apple says it has no effect; field reports see
+            // it still bring applications forward on 14 and 15. Either way
+            // the outcome is checked below.
             return [running activateWithOptions:static_cast<NSApplicationActivationOptions>(options)] != NO;
         }
     });

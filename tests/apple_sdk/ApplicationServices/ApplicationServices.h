@@ -58,6 +58,7 @@ extern AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef acti
 extern AXUIElementRef AXUIElementCreateApplication(pid_t pid);
 extern AXUIElementRef AXUIElementCreateSystemWide(void);
 extern AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
+extern AXError AXUIElementGetPid(AXUIElementRef element, pid_t* pid);
 
 // --- CoreGraphics: CGRemoteOperation.h ---------------------------------------------------
 typedef uint16_t CGKeyCode;
@@ -123,8 +124,12 @@ typedef CF_ENUM(int32_t, CGEventSourceStateID){
     kCGEventSourceStateHIDSystemState = 1,
 };
 
+typedef uint32_t CGEventSourceKeyboardType;
+
 // --- CoreGraphics: CGEventSource.h ----------------------------------------------------------
 CG_EXTERN CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID stateID)
+    CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN CGEventSourceKeyboardType CGEventSourceGetKeyboardType(CGEventSourceRef source)
     CG_AVAILABLE_STARTING(10.4);
 
 // --- CoreGraphics: CGEvent.h ------------------------------------------------------------------
@@ -134,6 +139,12 @@ CG_EXTERN void CGEventSetFlags(CGEventRef event, CGEventFlags flags) CG_AVAILABL
 CG_EXTERN void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, int64_t value)
     CG_AVAILABLE_STARTING(10.4);
 CG_EXTERN void CGEventPost(CGEventTapLocation tap, CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN CGEventType CGEventGetType(CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN CGEventFlags CGEventGetFlags(CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN CGEventSourceRef CGEventCreateSourceFromEvent(CGEventRef event) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN void CGEventKeyboardSetUnicodeString(CGEventRef event, UniCharCount stringLength,
+                                               const UniChar* unicodeString) CG_AVAILABLE_STARTING(10.4);
+CG_EXTERN bool CGPreflightPostEventAccess(void) CG_AVAILABLE_STARTING(10.15);
 CG_EXTERN int64_t CGEventGetIntegerValueField(CGEventRef _Nullable event, CGEventField field)
     CG_AVAILABLE_STARTING(10.4);
 CG_EXTERN CFMachPortRef _Nullable CGEventTapCreate(CGEventTapLocation tap, CGEventTapPlacement place,

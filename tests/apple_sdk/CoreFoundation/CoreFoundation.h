@@ -20,6 +20,9 @@ typedef uint16_t UInt16;
 typedef int32_t SInt32;
 typedef uint32_t UInt32;
 typedef UInt16 UniChar;
+typedef unsigned long UniCharCount;
+typedef SInt32 OSStatus;
+typedef UInt32 OptionBits;
 
 // --- CFAvailability.h (the enum and option macros, C++ forms) ---------------
 #define __CF_ENUM_ATTRIBUTES __attribute__((enum_extensibility(open)))
@@ -99,6 +102,10 @@ CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType theT
                                      const void* valuePtr);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType theType, void* valuePtr);
+
+// --- CFData.h --------------------------------------------------------------------
+typedef const struct CF_BRIDGED_TYPE(NSData) __CFData* CFDataRef;
+CF_EXPORT const UInt8* CFDataGetBytePtr(CFDataRef theData);
 
 // --- CFArray.h -------------------------------------------------------------------
 typedef const struct CF_BRIDGED_TYPE(NSArray) __CFArray* CFArrayRef;

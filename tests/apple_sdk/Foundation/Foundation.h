@@ -3,6 +3,7 @@
 // each declaration has the signature of the macOS SDK header named beside it.
 #pragma once
 
+#include <Availability.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 // --- objc/objc.h, NSObjCRuntime.h ----------------------------------------------------
@@ -78,18 +79,34 @@ typedef struct {
 @interface NSString : NSObject
 + (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 @property(nullable, readonly) const char* UTF8String NS_RETURNS_INNER_POINTER;
+@property(readonly) NSUInteger length;
+- (BOOL)isEqualToString:(NSString*)aString;
+- (BOOL)hasPrefix:(NSString*)str;
+- (BOOL)hasSuffix:(NSString*)str;
+- (NSString*)stringByAppendingString:(NSString*)aString;
+@end
+
+// --- NSPathUtilities.h -----------------------------------------------------------------------
+@interface NSString (NSStringPathExtensions)
+@property(readonly, copy) NSString* lastPathComponent;
+@property(readonly, copy) NSString* stringByDeletingPathExtension;
+@property(readonly, copy) NSString* stringByExpandingTildeInPath;
+- (NSString*)stringByAppendingPathComponent:(NSString*)str;
 @end
 
 // --- NSData.h --------------------------------------------------------------------------------
 @interface NSData : NSObject
 @property(readonly) NSUInteger length;
 @property(readonly) const void* bytes NS_RETURNS_INNER_POINTER;
++ (instancetype)data;
 + (instancetype)dataWithBytes:(nullable const void*)bytes length:(NSUInteger)length;
 @end
 
 // --- NSArray.h -------------------------------------------------------------------------------
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
 @property(readonly) NSUInteger count;
+// What an array literal @[...] calls.
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)cnt;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>
@@ -101,27 +118,32 @@ typedef struct {
 @interface NSException : NSObject
 @end
 
-// --- NSDate.h --------------------------------------------------------------------------------
-typedef double NSTimeInterval;
+// --- NSError.h -------------------------------------------------------------------------------
+@interface NSError : NSObject
+@property(readonly, copy) NSString* localizedDescription;
+@end
 
-@interface NSDate : NSObject
-+ (instancetype)dateWithTimeIntervalSinceNow:(NSTimeInterval)secs;
-@property(readonly) NSTimeInterval timeIntervalSinceNow;
+// --- NSURL.h ---------------------------------------------------------------------------------
+@interface NSURL : NSObject
++ (NSURL*)fileURLWithPath:(NSString*)path;
+@property(nullable, readonly, copy) NSString* path;
+@property(nullable, readonly, copy) NSString* lastPathComponent;
+@end
+
+// --- NSFileManager.h -------------------------------------------------------------------------
+@interface NSFileManager : NSObject
+@property(class, readonly, strong) NSFileManager* defaultManager;
+- (BOOL)fileExistsAtPath:(NSString*)path;
+- (nullable NSArray<NSString*>*)contentsOfDirectoryAtPath:(NSString*)path error:(NSError**)error;
+- (NSString*)displayNameAtPath:(NSString*)path;
 @end
 
 // --- NSThread.h ------------------------------------------------------------------------------
 @interface NSThread : NSObject
-+ (void)sleepForTimeInterval:(NSTimeInterval)ti;
 @property(class, readonly) BOOL isMainThread API_AVAILABLE(macos(10.5));
 @end
 
-// --- NSRunLoop.h -----------------------------------------------------------------------------
-typedef NSString* NSRunLoopMode NS_TYPED_EXTENSIBLE_ENUM;
-FOUNDATION_EXPORT NSRunLoopMode const NSDefaultRunLoopMode;
-
-@interface NSRunLoop : NSObject
-@property(class, readonly, strong) NSRunLoop* mainRunLoop API_AVAILABLE(macos(10.5));
-- (BOOL)runMode:(NSRunLoopMode)mode beforeDate:(NSDate*)limitDate;
-@end
-
 NS_ASSUME_NONNULL_END
+
+// --- dispatch/dispatch.h (which Foundation brings in) ----------------------------------------
+#include <dispatch/dispatch.h>
