@@ -175,6 +175,12 @@ void LinuxPlatform::postEvent(std::uint32_t /*tap*/, const Event& event) {
     touch();
     KeyEvent* e = keyEvent(event, this);
     if (e == nullptr) return;
+    // The first key after text was put on the clipboard is the paste key:
+    // what is asked for from now on is the paste's.
+    if (paste_ && !paste_->answeredAtKey) {
+        paste_->answeredAtKey = x11_->clipboardDataAnswered();
+        paste_->keyTime = now();
+    }
     Display* display = x11_->display();
     for (const auto& [code, modifier] : kModifierKeys) {
         if (code == e->keyCode) return keyboard_.modifierKey(display, modifier, e->down);

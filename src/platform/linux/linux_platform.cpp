@@ -246,7 +246,30 @@ std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
 
 void LinuxPlatform::clearPasteboard() {
     const auto locked = guard();
+    awaitPaste();
     x11_->disown();
+}
+
+// A paste sets the text, presses the paste key, pauses and restores the
+// clipboard. An application takes the text when it gets to the key event,
+// which may be after the pause (GTK 4 asks for it later than GTK 3): the
+// clipboard is given up only once a request for its data came after the
+// key, or the reply limit has passed since the key.
+void LinuxPlatform::awaitPaste() {
+    const std::optional<Paste> paste = std::exchange(paste_, std::nullopt);
+    if (!paste || !paste->answeredAtKey || !x11_->ownsClipboard()) return;
+    const double deadline = paste->keyTime + replyLimitMs() / 1000.0;
+    constexpr double kSlice = 0.005;
+    while (x11_->clipboardDataAnswered() == *paste->answeredAtKey) {
+        if (now() >= deadline) {
+            log("Paste: no application asked for the pasted text within " + std::to_string(replyLimitMs()) +
+                " ms of the paste key; the clipboard is restored all the same");
+            return;
+        }
+        x11_->serve(kSlice);
+    }
+    // Some ask for more than one type in a row: a moment more for those.
+    x11_->serve(0.02);
 }
 
 namespace {
@@ -266,7 +289,9 @@ bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view 
     const auto locked = guard();
     Offers offers;
     addOffers(offers, type, std::string(text));
-    return x11_->own(std::move(offers));
+    const bool owned = x11_->own(std::move(offers));
+    if (owned) paste_.emplace();
+    return owned;
 }
 
 bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& items) {

@@ -161,8 +161,20 @@ private:
     }
     AttributeRead readAttribute(Node& node, std::string_view attribute);
 
+    // Waits, before the clipboard is given up or restored, until the text a
+    // paste put there has been taken (see clearPasteboard).
+    void awaitPaste();
+
     std::unique_ptr<X11Session> x11_;
     X11Keyboard keyboard_;          // the keys postEvent holds
+    // A paste in progress: set when text is put on the clipboard, and, once
+    // a key is pressed, how many requests for the clipboard's data had been
+    // answered then and when.
+    struct Paste {
+        std::optional<std::uint64_t> answeredAtKey;
+        double keyTime = 0;
+    };
+    std::optional<Paste> paste_;
     std::uint64_t generation_ = 0;  // see touch()
     AppMemory appMemory_;           // the application list's names
     LaunchNames launchNames_;       // listed names' executables, for launching

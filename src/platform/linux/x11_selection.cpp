@@ -385,9 +385,11 @@ void SelectionServer::answer(const XSelectionRequestEvent& request) {
                         reinterpret_cast<const unsigned char*>(&size), 1);
         transfers_.push_back({request.requestor, property, *offer});
         reply.property = property;
+        ++dataAnswered_;
     } else if (offer != offers_.end()) {
         write(request.requestor, property, *offer, 0, offer->data->size());
         reply.property = property;
+        ++dataAnswered_;
     }
     XSendEvent(display_, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
     XFlush(display_);

@@ -11,6 +11,7 @@
 #include <X11/Xlib.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -80,6 +81,9 @@ public:
     void forget();
     bool owns() const { return owns_; }
     const Offers& offers() const { return offers_; }
+    // How many requests for data (not for the list of targets) were answered
+    // so far.
+    std::uint64_t dataAnswered() const { return dataAnswered_; }
     // Handles `event` when it is the selection's (a request, the loss of the
     // selection, the progress of a transfer in pieces); false otherwise.
     // Requests for a selection not owned are refused.
@@ -102,6 +106,7 @@ private:
     Atom selection_;
     std::size_t piece_;  // bytes: larger data goes in pieces of this size
     bool owns_ = false;
+    std::uint64_t dataAnswered_ = 0;
     Offers offers_;
     std::vector<Transfer> transfers_;
 };

@@ -51,6 +51,8 @@ public:
     bool own(Offers offers);
     void disown();
     bool ownsClipboard();
+    // How many requests for CLIPBOARD's data this process has answered.
+    std::uint64_t clipboardDataAnswered() const { return clipboard_->dataAnswered(); }
     // What CLIPBOARD offers: our own offers while we own it, else every
     // target its owner gives (readSelection), nothing when it has no owner.
     Offers readClipboard();
