@@ -109,8 +109,8 @@ AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role, Sight sight) {
 }
 
 AccessibleRef findFocused(AtspiAccessible* root, Sight sight) {
-    // Focusable elements rank above the others; of equal ranks the innermost
-    // wins.
+    // Focusable elements rank above the others; of equal ranks the first
+    // met wins.
     const auto rank = [](std::uint64_t states) { return ((states >> ATSPI_STATE_FOCUSABLE) & 1) != 0 ? 2 : 1; };
     const Ref<AtspiCollection> collection = Ref<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(root));
     if (!collection) {
@@ -128,14 +128,12 @@ AccessibleRef findFocused(AtspiAccessible* root, Sight sight) {
     std::vector<AccessibleRef> matches = takeAccessibles(atspi_collection_get_matches(
         collection.get(), rule.get(), ATSPI_Collection_SORT_ORDER_CANONICAL, 0, TRUE, out(error)));
     if (matches.size() <= 1) return matches.empty() ? AccessibleRef() : std::move(matches.front());
-    // In canonical (depth-first) order an element comes before those inside
-    // it: the last of the best rank.
     std::size_t best = 0;
     int bestRank = 0;
     for (std::size_t i = 0; i < matches.size(); ++i) {
         const std::optional<std::uint64_t> bits = statesOf(matches[i].get());
         const int r = bits && shown(sight, *bits, std::nullopt) ? rank(*bits) : 0;
-        if (r >= bestRank && r > 0) {
+        if (r > bestRank) {
             best = i;
             bestRank = r;
         }

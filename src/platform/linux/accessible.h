@@ -38,7 +38,8 @@ std::string rowNameOf(AtspiAccessible* cell);
 AccessibleRef findByRole(AtspiAccessible* root, AtspiRole role, Sight sight = Sight::showing);
 // The descendant of `root` that has the keyboard focus: of the elements in
 // the `focused` state and shown under `sight` (Qt reports a focused page tab
-// and viewport beside the focused editor), a focusable one, the innermost.
+// and viewport beside the focused editor, and keeps the focus of a closed
+// combo box's list), the first focusable one, nearest to the root first.
 // One round trip through the Collection interface; without it, a search that
 // descends into shown elements only. Null when there is none.
 AccessibleRef findFocused(AtspiAccessible* root, Sight sight);

@@ -114,16 +114,15 @@ AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const G
 
 AccessibleRef searchBest(AtspiAccessible* root, const std::function<int(const Glance&)>& wanted,
                          const std::function<bool(const Glance&)>& descend) {
-    std::size_t best = 0, bestDepth = 0;
+    std::size_t best = 0;
     int bestRank = 0;
     const std::vector<Met> elements = search(
         root,
-        [&](std::size_t i, const Glance& glance, std::size_t depth) {
+        [&](std::size_t i, const Glance& glance, std::size_t) {
             const int rank = wanted(glance);
-            if (rank > bestRank || (rank == bestRank && rank > 0 && depth > bestDepth)) {
+            if (rank > bestRank) {
                 best = i;
                 bestRank = rank;
-                bestDepth = depth;
             }
             return false;
         },

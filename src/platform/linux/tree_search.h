@@ -30,7 +30,7 @@ AccessibleRef searchTree(AtspiAccessible* root, const std::function<bool(const G
 
 // Searches the same elements as searchTree, all of them, and gives the one
 // that `wanted` ranks highest (a rank of 0 is not wanted; of equal ranks the
-// deepest wins, then the first met), or null.
+// first met, the nearest to the root), or null.
 AccessibleRef searchBest(AtspiAccessible* root, const std::function<int(const Glance&)>& wanted,
                          const std::function<bool(const Glance&)>& descend);
 
