@@ -13,53 +13,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "platform/linux/offers.h"
 
 namespace zeblo::platform::linux_desktop {
 
-// One target offered on a selection. Data of format 16 and 32 is kept as
-// 2- and 4-byte items in the machine's byte order, as on the wire.
-struct Offer {
-    std::string target;
-    std::string type;  // the property type it is sent with
-    int format = 8;
-    std::shared_ptr<const std::string> data;
-};
-using Offers = std::vector<Offer>;
-
-// The limits of one save (readSelection).
-inline constexpr std::size_t kTargetLimit = std::size_t{16} << 20;  // bytes of one target
-inline constexpr std::size_t kSaveLimit = std::size_t{64} << 20;    // bytes of all targets
-inline constexpr double kReplySeconds = 1.0;  // for each answer (and each piece of an INCR transfer)
-inline constexpr double kSaveSeconds = 3.0;   // for the whole save
-
-// Seconds on the steady clock.
-double monotonicSeconds();
 // Waits until `display` has an event or `deadline` passes.
 bool waitForEvent(Display* display, double deadline);
 
-// The targets under which the library offers plain text it sets itself:
-// UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT and text/plain.
-Offers textOffers(std::string text);
-
-// An offer as the type name of a pasteboard entry, and back: the target, and
-// when the property type is not the target or the format not 8, the type
-// and the format after U+001F separators ("TEXT\x1fUTF8_STRING\x1f8").
-std::string entryName(const Offer& offer);
-Offer offerFromEntry(std::string_view name, std::string data);
-
-// Offers as the bytes the library sends the clipboard holder (their count,
-// then each one), and back (nothing when the bytes are not such a list,
-// whole).
-std::string serializeOffers(const Offers& offers);
-std::optional<Offers> parseOffers(std::string_view bytes);
-
 // Every target the owner of `selection` offers, read into `window`'s
-// properties within the limits above. Skipped: the meta targets (TARGETS,
+// properties within the limits of offers.h. Skipped: the meta targets (TARGETS,
 // MULTIPLE, TIMESTAMP, DELETE, SAVE_TARGETS, INSERT_*), targets given as
 // another client's resources (PIXMAP, BITMAP, DRAWABLE, WINDOW, COLORMAP),
 // what is refused or late, and what is over a limit. An owner that does not
