@@ -19,24 +19,14 @@
 #include <map>
 #include <optional>
 
+#include "platform/linux/key_request.h"
+
 struct _XDisplay;
 
 namespace zeblo::platform::linux_desktop {
 
 class Keymap;
 using Display = ::_XDisplay;
-using KeySym = unsigned long;  // as Xlib's
-
-// The modifiers a key press may hold, as bits.
-enum Modifier : std::uint8_t { kShiftBit = 1, kControlBit = 2, kAltBit = 4, kLevel3Bit = 8 };
-using Modifiers = std::uint8_t;
-
-// One key as the library means it.
-struct KeyRequest {
-    KeySym plain = 0;         // the keysym of the key without modifiers
-    KeySym shifted = 0;       // with Shift, for the keys that type a character (else 0)
-    Modifiers modifiers = 0;  // asked for by the event (Shift, Control, Alt)
-};
 
 class X11Keyboard {
 public:
