@@ -12,11 +12,14 @@
 #include <cstdlib>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "platform/linux/detach.h"
 #include "platform/linux/x11_owned.h"
+#include "platform/linux/mutter_remote_desktop.h"
+#include "platform/linux/wlr_clipboard.h"
 #include "platform/linux/x11_selection.h"
 
 using namespace zeblo::platform::linux_desktop;
@@ -51,6 +54,8 @@ int launch(char** command) {
     return 127;
 }
 
+constexpr double kCompositorSeconds = 1.0;
+
 int ignoreErrors(Display*, XErrorEvent*) { return 0; }
 
 // Everything the library sends, up to the end of its stream.
@@ -67,23 +72,23 @@ std::optional<std::string> readAll(const Fd& channel) {
     }
 }
 
-int hold() {
-    detach(false);
-    if (chdir("/") != 0) return 1;
-    Fd channel(kHelperChannel);
-    const std::optional<std::string> bytes = readAll(channel);
-    std::optional<Offers> offers = bytes ? parseOffers(*bytes) : std::nullopt;
-    if (!offers) return 1;
+// Tells the library that the clipboard is ours: one byte, then the channel
+// closes (a library that gave up waiting is still served).
+void ready(Fd& channel) {
+    const char byte = 1;
+    (void)send(channel.get(), &byte, 1, MSG_NOSIGNAL);
+    channel = Fd();
+}
+
+int holdX11(Offers offers, Fd channel) {
     const DisplayConnection connection(XOpenDisplay(nullptr));
     if (!connection) return 1;
     Display* display = connection.get();
     XSetErrorHandler(ignoreErrors);  // a requestor that has gone away is no reason to stop
     const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
     SelectionServer clipboard(display, window, XInternAtom(display, "CLIPBOARD", False));
-    if (!clipboard.own(std::move(*offers))) return 1;
-    const char ready = 1;
-    (void)send(channel.get(), &ready, 1, MSG_NOSIGNAL);  // a library that gave up waiting is still served
-    channel = Fd();
+    if (!clipboard.own(std::move(offers))) return 1;
+    ready(channel);
     while (clipboard.owns()) {
         XEvent event;
         XNextEvent(display, &event);
@@ -92,12 +97,46 @@ int hold() {
     return 0;
 }
 
+int holdWayland(Offers offers, Fd channel) {
+    const std::unique_ptr<WaylandDisplay> display = WaylandDisplay::connect(kCompositorSeconds);
+    if (!display) return 1;
+    const std::unique_ptr<DataControlClipboard> clipboard = DataControlClipboard::open(*display);
+    if (!clipboard || !clipboard->own(std::move(offers))) return 1;
+    ready(channel);
+    while (clipboard->owns() && !display->broken()) clipboard->serve(60);
+    return 0;
+}
+
+// mutter's clipboard lives in a remote desktop session of the helper's own,
+// on its own bus connection.
+int holdMutter(Offers offers, Fd channel) {
+    const std::unique_ptr<RemoteDesktop> session = RemoteDesktop::open(nullptr);
+    if (!session || !session->own(std::move(offers))) return 1;
+    ready(channel);
+    while (session->owns()) session->serve(60);
+    return 0;
+}
+
+// `kind` names the session's clipboard: "" for X11's CLIPBOARD, "wayland"
+// for data control, "mutter" for mutter's remote desktop.
+int hold(const std::string& kind) {
+    detach(false);
+    if (chdir("/") != 0) return 1;
+    Fd channel(kHelperChannel);
+    const std::optional<std::string> bytes = readAll(channel);
+    std::optional<Offers> offers = bytes ? parseOffers(*bytes) : std::nullopt;
+    if (!offers) return 1;
+    if (kind == "wayland") return holdWayland(std::move(*offers), std::move(channel));
+    if (kind == "mutter") return holdMutter(std::move(*offers), std::move(channel));
+    return holdX11(std::move(*offers), std::move(channel));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     close_range(kHelperChannel + 1, ~0U, 0);
     if (argc >= 3 && std::strcmp(argv[1], "launch") == 0) return launch(argv + 2);
-    if (argc == 2 && std::strcmp(argv[1], "hold") == 0) return hold();
-    std::fputs("usage: zeblo-helper launch PROGRAM [ARG...] | zeblo-helper hold\n", stderr);
+    if ((argc == 2 || argc == 3) && std::strcmp(argv[1], "hold") == 0) return hold(argc == 3 ? argv[2] : "");
+    std::fputs("usage: zeblo-helper launch PROGRAM [ARG...] | zeblo-helper hold [wayland|mutter]\n", stderr);
     return 2;
 }

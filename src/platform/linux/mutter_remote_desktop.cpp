@@ -1,0 +1,355 @@
+// mutter's remote desktop session over a private session-bus connection:
+// keysyms sent without waiting for answers (in order, on one connection),
+// the clipboard through EnableClipboard, SetSelection, SelectionRead and
+// SelectionWrite, its signals read from the same connection.
+#include "platform/linux/mutter_remote_desktop.h"
+
+#include <X11/keysym.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/linux/detach.h"
+#include "platform/reply_limit.h"
+
+namespace zeblo::platform::linux_desktop {
+
+namespace {
+
+constexpr const char* kService = "org.gnome.Mutter.RemoteDesktop";
+constexpr const char* kSessionInterface = "org.gnome.Mutter.RemoteDesktop.Session";
+
+// The dead keys that type a character followed by a space.
+constexpr std::pair<KeySym, KeySym> kDeadKeys[] = {{XK_asciicircum, XK_dead_circumflex},
+                                                   {XK_grave, XK_dead_grave},
+                                                   {XK_asciitilde, XK_dead_tilde},
+                                                   {XK_quotedbl, XK_dead_diaeresis},
+                                                   {XK_apostrophe, XK_dead_acute}};
+
+struct BusError {
+    DBusError error;
+    BusError() { dbus_error_init(&error); }
+    ~BusError() { dbus_error_free(&error); }
+    BusError(const BusError&) = delete;
+    BusError& operator=(const BusError&) = delete;
+};
+
+bool appendString(DBusMessageIter& args, const std::string& text) {
+    const char* value = text.c_str();
+    return dbus_message_iter_append_basic(&args, DBUS_TYPE_STRING, &value);
+}
+
+// An a{sv} with `mimeTypes` under "mime-types" (none: an empty dictionary).
+bool appendOptions(DBusMessageIter& args, const std::vector<std::string>* mimeTypes) {
+    DBusMessageIter dict, entry, variant, list;
+    if (!dbus_message_iter_open_container(&args, DBUS_TYPE_ARRAY, "{sv}", &dict)) return false;
+    if (mimeTypes != nullptr) {
+        const char* key = "mime-types";
+        bool ok = dbus_message_iter_open_container(&dict, DBUS_TYPE_DICT_ENTRY, nullptr, &entry) &&
+                  dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, &key) &&
+                  dbus_message_iter_open_container(&entry, DBUS_TYPE_VARIANT, "as", &variant) &&
+                  dbus_message_iter_open_container(&variant, DBUS_TYPE_ARRAY, "s", &list);
+        for (const std::string& type : *mimeTypes) ok = ok && appendString(list, type);
+        ok = ok && dbus_message_iter_close_container(&variant, &list) &&
+             dbus_message_iter_close_container(&entry, &variant) && dbus_message_iter_close_container(&dict, &entry);
+        if (!ok) return false;
+    }
+    return dbus_message_iter_close_container(&args, &dict);
+}
+
+// The "mime-types" and "session-is-owner" of SelectionOwnerChanged's a{sv}.
+void readOwner(DBusMessage* message, std::vector<std::string>& types, bool& ours) {
+    types.clear();
+    ours = false;
+    DBusMessageIter args, dict;
+    if (!dbus_message_iter_init(message, &args) || dbus_message_iter_get_arg_type(&args) != DBUS_TYPE_ARRAY) return;
+    for (dbus_message_iter_recurse(&args, &dict); dbus_message_iter_get_arg_type(&dict) == DBUS_TYPE_DICT_ENTRY;
+         dbus_message_iter_next(&dict)) {
+        DBusMessageIter entry, variant;
+        dbus_message_iter_recurse(&dict, &entry);
+        const char* key = nullptr;
+        dbus_message_iter_get_basic(&entry, &key);
+        dbus_message_iter_next(&entry);
+        dbus_message_iter_recurse(&entry, &variant);
+        const std::string name = key != nullptr ? key : "";
+        const int kind = dbus_message_iter_get_arg_type(&variant);
+        if (name == "session-is-owner" && kind == DBUS_TYPE_BOOLEAN) {
+            dbus_bool_t value = FALSE;
+            dbus_message_iter_get_basic(&variant, &value);
+            ours = value != FALSE;
+        } else if (name == "mime-types" && kind == DBUS_TYPE_ARRAY) {
+            DBusMessageIter list;
+            for (dbus_message_iter_recurse(&variant, &list); dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING;
+                 dbus_message_iter_next(&list)) {
+                const char* type = nullptr;
+                dbus_message_iter_get_basic(&list, &type);
+                types.emplace_back(type);
+            }
+        }
+    }
+}
+
+// The file descriptor a reply carries (ours to close), or none.
+Fd replyFd(const BusMessage& reply) {
+    int fd = -1;
+    BusError error;
+    if (!reply || !dbus_message_get_args(reply.get(), &error.error, DBUS_TYPE_UNIX_FD, &fd, DBUS_TYPE_INVALID)) {
+        return Fd();
+    }
+    return Fd(fd);
+}
+
+std::optional<std::string> readToEnd(int fd, std::size_t limit, double deadline) {
+    std::string out;
+    char buffer[1 << 16];
+    while (true) {
+        const double left = deadline - monotonicSeconds();
+        pollfd p{fd, POLLIN, 0};
+        if (left <= 0 || poll(&p, 1, static_cast<int>(left * 1000) + 1) <= 0) return std::nullopt;
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n == 0) return out;
+        if (n < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
+        if (n > 0) out.append(buffer, static_cast<std::size_t>(n));
+        if (out.size() > limit) return std::nullopt;
+    }
+}
+
+bool writeAll(int fd, const std::string& data) {
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+    std::size_t sent = 0;
+    while (sent < data.size()) {
+        pollfd p{fd, POLLOUT, 0};
+        if (poll(&p, 1, static_cast<int>(kReplySeconds * 1000)) <= 0) return false;
+        const ssize_t n = ::write(fd, data.data() + sent, data.size() - sent);
+        if (n < 0 && errno != EINTR && errno != EAGAIN) return false;
+        if (n > 0) sent += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::unique_ptr<RemoteDesktop> RemoteDesktop::open(WaylandDisplay* display) {
+    std::unique_ptr<RemoteDesktop> self(new RemoteDesktop());
+    self->display_ = display;
+    BusError error;
+    self->bus_.reset(dbus_bus_get_private(DBUS_BUS_SESSION, &error.error));
+    if (!self->bus_) return nullptr;
+    dbus_connection_set_exit_on_disconnect(self->bus_.get(), FALSE);
+    const BusMessage create(
+        dbus_message_new_method_call(kService, "/org/gnome/Mutter/RemoteDesktop", kService, "CreateSession"));
+    const BusMessage made(dbus_connection_send_with_reply_and_block(self->bus_.get(), create.get(), replyLimitMs(),
+                                                                 &error.error));
+    const char* path = nullptr;
+    if (!made || !dbus_message_get_args(made.get(), &error.error, DBUS_TYPE_OBJECT_PATH, &path, DBUS_TYPE_INVALID)) {
+        return nullptr;
+    }
+    self->session_ = path;
+    const std::string rule = "type='signal',interface='" + std::string(kSessionInterface) + "',path='" +
+                             self->session_ + "'";
+    dbus_bus_add_match(self->bus_.get(), rule.c_str(), nullptr);
+    if (!self->call("Start", nullptr)) return nullptr;
+    // A seat that had no keyboard gets one now; its clients take a moment
+    // to ask for it, and keys before that are lost.
+    if (display != nullptr) {
+        display->dispatchUntil([&] { return display->seatHasKeyboard(); }, monotonicSeconds() + 1.0);
+        display->roundtrip(1.0);
+    }
+    usleep(static_cast<useconds_t>(kSettleSeconds * 1e6));
+    return self;
+}
+
+BusMessage RemoteDesktop::call(const char* method, const std::function<bool(DBusMessageIter&)>& arguments) {
+    BusMessage message(dbus_message_new_method_call(kService, session_.c_str(), kSessionInterface, method));
+    if (!message) return {};
+    if (arguments) {
+        DBusMessageIter args;
+        dbus_message_iter_init_append(message.get(), &args);
+        if (!arguments(args)) return {};
+    }
+    BusError error;
+    BusMessage reply(
+        dbus_connection_send_with_reply_and_block(bus_.get(), message.get(), replyLimitMs(), &error.error));
+    return reply;
+}
+
+bool RemoteDesktop::keysym(KeySym sym, bool down) {
+    const BusMessage message(
+        dbus_message_new_method_call(kService, session_.c_str(), kSessionInterface, "NotifyKeyboardKeysym"));
+    const auto value = static_cast<dbus_uint32_t>(sym);
+    const dbus_bool_t state = down ? TRUE : FALSE;
+    if (!message || !dbus_message_append_args(message.get(), DBUS_TYPE_UINT32, &value, DBUS_TYPE_BOOLEAN, &state,
+                                              DBUS_TYPE_INVALID)) {
+        return false;
+    }
+    dbus_message_set_no_reply(message.get(), TRUE);
+    const bool sent = dbus_connection_send(bus_.get(), message.get(), nullptr);
+    dbus_connection_flush(bus_.get());
+    return sent;
+}
+
+bool RemoteDesktop::typeable(KeySym sym) const {
+    xkb_keymap* keymap = display_ != nullptr ? display_->keymap() : nullptr;
+    if (keymap == nullptr) return true;  // mutter's layout unknown: let it try
+    for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap); key <= xkb_keymap_max_keycode(keymap); ++key) {
+        for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(keymap, key); ++layout) {
+            for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap, key, layout); ++level) {
+                const xkb_keysym_t* syms = nullptr;
+                const int count = xkb_keymap_key_get_syms_by_level(keymap, key, layout, level, &syms);
+                for (int i = 0; i < count; ++i) {
+                    if (syms[i] == sym) return true;
+                }
+            }
+        }
+    }
+    return false;
+}
+
+bool RemoteDesktop::press(std::uint16_t id, const KeyRequest& request) {
+    const Modifiers modifiers = request.modifiers | held_;
+    std::vector<KeySym> syms;
+    if (modifiers & kControlBit && !(held_ & kControlBit)) syms.push_back(XK_Control_L);
+    if (modifiers & kAltBit && !(held_ & kAltBit)) syms.push_back(XK_Alt_L);
+    KeySym sym = request.plain;
+    if (request.shifted != 0) {
+        // A character: mutter holds what its level needs.
+        if (modifiers & kShiftBit) sym = request.shifted;
+    } else if (modifiers & kShiftBit) {
+        syms.push_back(XK_Shift_L);
+    }
+    if (!typeable(sym)) {
+        KeySym dead = 0;
+        for (const auto& [character, deadKey] : kDeadKeys) {
+            if (character == sym && typeable(deadKey)) dead = deadKey;
+        }
+        if (dead == 0) {
+            missing_ = sym;
+            return false;
+        }
+        keysym(dead, true);
+        keysym(dead, false);
+        sym = XK_space;
+    }
+    syms.push_back(sym);
+    for (KeySym s : syms) keysym(s, true);
+    pressed_[id] = std::move(syms);
+    return true;
+}
+
+void RemoteDesktop::release(std::uint16_t id) {
+    const auto found = pressed_.find(id);
+    if (found == pressed_.end()) return;
+    for (auto it = found->second.rbegin(); it != found->second.rend(); ++it) keysym(*it, false);
+    pressed_.erase(found);
+}
+
+// Control and Alt go down at once; a held Shift only chooses characters
+// (and is pressed around keys without one), as mutter holds Shift itself for
+// a character's level.
+void RemoteDesktop::modifierKey(Modifier modifier, bool down) {
+    held_ = static_cast<Modifiers>(down ? held_ | modifier : held_ & ~modifier);
+    if (modifier == kControlBit) keysym(XK_Control_L, down);
+    if (modifier == kAltBit) keysym(XK_Alt_L, down);
+}
+
+// --- The clipboard
+
+void RemoteDesktop::handle(DBusMessage* message) {
+    if (dbus_message_is_signal(message, kSessionInterface, "SelectionOwnerChanged")) {
+        bool ours = false;
+        std::vector<std::string> types;
+        readOwner(message, types, ours);
+        if (!ours) {
+            ownerTypes_ = std::move(types);
+            owner_ = false;
+            offers_.clear();
+        }
+    } else if (dbus_message_is_signal(message, kSessionInterface, "SelectionTransfer")) {
+        const char* type = nullptr;
+        dbus_uint32_t serial = 0;
+        BusError error;
+        if (dbus_message_get_args(message, &error.error, DBUS_TYPE_STRING, &type, DBUS_TYPE_UINT32, &serial,
+                                  DBUS_TYPE_INVALID)) {
+            transfer(type, serial);
+        }
+    }
+}
+
+void RemoteDesktop::transfer(const std::string& type, std::uint32_t serial) {
+    const auto offer =
+        std::find_if(offers_.begin(), offers_.end(), [&](const Offer& o) { return o.target == type; });
+    bool written = false;
+    if (offer != offers_.end()) {
+        const Fd fd = replyFd(call("SelectionWrite", [&](DBusMessageIter& args) {
+            const dbus_uint32_t value = serial;
+            return dbus_message_iter_append_basic(&args, DBUS_TYPE_UINT32, &value);
+        }));
+        written = fd && writeAll(fd.get(), *offer->data);
+    }
+    call("SelectionWriteDone", [&](DBusMessageIter& args) {
+        const dbus_uint32_t value = serial;
+        const dbus_bool_t success = written ? TRUE : FALSE;
+        return dbus_message_iter_append_basic(&args, DBUS_TYPE_UINT32, &value) &&
+               dbus_message_iter_append_basic(&args, DBUS_TYPE_BOOLEAN, &success);
+    });
+}
+
+void RemoteDesktop::serve(double seconds) {
+    const double end = monotonicSeconds() + std::max(seconds, 0.0);
+    do {
+        const double left = end - monotonicSeconds();
+        dbus_connection_read_write(bus_.get(), left > 0 ? static_cast<int>(left * 1000) + 1 : 0);
+        while (DBusMessage* raw = dbus_connection_pop_message(bus_.get())) {
+            const BusMessage message(raw);
+            handle(message.get());
+        }
+    } while (monotonicSeconds() < end && dbus_connection_get_is_connected(bus_.get()));
+}
+
+Offers RemoteDesktop::readClipboard() {
+    if (!clipboardOn_) {
+        clipboardOn_ = static_cast<bool>(
+            call("EnableClipboard", [](DBusMessageIter& args) { return appendOptions(args, nullptr); }));
+    }
+    serve(0);
+    if (owner_) return offers_;
+    Offers out;
+    const double end = monotonicSeconds() + kSaveSeconds;
+    std::size_t total = 0;
+    for (const std::string& type : ownerTypes_) {
+        if (monotonicSeconds() >= end) break;
+        const Fd fd = replyFd(call("SelectionRead", [&](DBusMessageIter& args) { return appendString(args, type); }));
+        if (!fd) continue;
+        std::optional<std::string> data = readToEnd(fd.get(), std::min(kTargetLimit, kSaveLimit - total),
+                                                    std::min(monotonicSeconds() + kReplySeconds, end));
+        if (!data) continue;
+        total += data->size();
+        out.push_back({type, type, 8, std::make_shared<const std::string>(std::move(*data))});
+    }
+    return out;
+}
+
+bool RemoteDesktop::own(Offers offers) {
+    if (!clipboardOn_) readClipboard();
+    std::vector<std::string> types;
+    for (const Offer& offer : offers) {
+        if (std::find(types.begin(), types.end(), offer.target) == types.end()) types.push_back(offer.target);
+    }
+    offers_ = std::move(offers);
+    owner_ = static_cast<bool>(call("SetSelection", [&](DBusMessageIter& args) { return appendOptions(args, &types); }));
+    return owner_;
+}
+
+void RemoteDesktop::disown() {
+    if (!owner_) return;
+    call("SetSelection", [](DBusMessageIter& args) {
+        const std::vector<std::string> none;
+        return appendOptions(args, &none);
+    });
+    forget();
+}
+
+}  // namespace zeblo::platform::linux_desktop
