@@ -6,7 +6,6 @@
 #include "platform/linux/app_list.h"
 #include "platform/linux/attributes.h"
 #include "platform/linux/focus.h"
-#include "platform/linux/x11_session.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -131,7 +130,7 @@ std::optional<AttributeRead> readTree(const Reading& r, std::string_view attribu
 AttributeRead readSystemWide(LinuxPlatform& p, std::string_view attribute) {
     if (attribute != "AXFocusedUIElement") return unsupported();
     // The focused element of the frontmost application's focused window.
-    const std::optional<std::int32_t> pid = p.x11().activeWindowPid();
+    const std::optional<std::int32_t> pid = p.session().activeWindowPid();
     const AccessibleRef app = pid ? p.findApplication(*pid) : AccessibleRef();
     if (!app) return noValue();
     return elementOrNoValue(p, focusedElementOf(p, app.get()));

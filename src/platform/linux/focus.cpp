@@ -3,7 +3,6 @@
 
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
-#include "platform/linux/x11_session.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -15,8 +14,8 @@ AtspiAccessible* focusedAmong(LinuxPlatform& p, AtspiAccessible* app, const std:
     if (found == nullptr) {
         Error error;
         const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, out(error)));
-        if (p.x11().activeWindowPid() == pid) {
-            const std::string title = p.x11().activeWindowTitle();
+        if (p.session().activeWindowPid() == pid) {
+            const std::string title = p.session().activeWindowTitle();
             for (const AccessibleRef& w : windows) {
                 if (found == nullptr && nameOf(w.get()) == title) found = w.get();
             }
@@ -48,9 +47,9 @@ AccessibleRef focusedElementOf(LinuxPlatform& p, AtspiAccessible* app) {
     if (!focused) {
         Error error;
         const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(app, out(error)));
-        if (!error && p.x11().activeWindowPid() == pid && p.x11().refreshFocus()) {
+        if (!error && p.session().activeWindowPid() == pid && p.session().refreshFocus()) {
             for (const double pause : {0.0, 0.005, 0.01, 0.02, 0.04, 0.08}) {
-                p.x11().serve(pause);
+                p.session().serve(pause);
                 focused = findFocused(window.get(), sight);
                 if (focused) break;
             }

@@ -2,13 +2,10 @@
 // press, activate or toggle action; "AXValue" is written through the
 // EditableText interface (text) or by toggling a check box until it shows the
 // wanted state.
-#include <X11/Xlib.h>
-
 #include <chrono>
 
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
-#include "platform/linux/x11_session.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -123,20 +120,15 @@ AXError pressOrTwin(AtspiAccessible* object) {
     return twin ? press(twin.get()) : code;
 }
 
-// Asks the X window behind `window` (an AT-SPI frame or dialog) to close: the
-// window of the same process whose title is the frame's name, or the only one.
+// Asks the window system to close `window` (an AT-SPI frame or dialog): the
+// process's window titled with the frame's name (session.h).
 AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
     Error error;
     const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(window, out(error)));
     if (error) return kAXErrorFailure;
     const std::string title = takeText(atspi_accessible_get_name(window, out(error)));
     if (error) return kAXErrorFailure;
-    const std::vector<Window> windows = p.x11().windowsOf(pid);
-    for (Window w : windows) {
-        if (p.x11().titleOf(w) == title) return p.x11().requestClose(w) ? kAXErrorSuccess : kAXErrorFailure;
-    }
-    if (windows.size() == 1) return p.x11().requestClose(windows.front()) ? kAXErrorSuccess : kAXErrorFailure;
-    return kAXErrorFailure;
+    return p.session().requestClose(pid, title) ? kAXErrorSuccess : kAXErrorFailure;
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/us_keys.h"
-#include "platform/linux/x11_session.h"
 
 namespace zeblo::platform::linux_desktop {
 
@@ -35,11 +34,24 @@ KeyEvent* keyEvent(const Event& event, Platform* self) {
 
 }  // namespace
 
+// In a session with no way to send keys there are no event sources, nor
+// events without one: every keyboard call fails, after one line that says
+// why.
 EventSource LinuxPlatform::createEventSource(std::int32_t /*stateId*/) {
+    if (const std::string missing = session_->keysMissing(); !missing.empty()) {
+        log(missing);
+        return {};
+    }
     return handOut<EventSource>(std::make_unique<KeyEvent>());
 }
 
-Event LinuxPlatform::createKeyboardEvent(const EventSource* /*source*/, std::uint16_t keyCode, bool keyDown) {
+Event LinuxPlatform::createKeyboardEvent(const EventSource* source, std::uint16_t keyCode, bool keyDown) {
+    if (source == nullptr) {
+        if (const std::string missing = session_->keysMissing(); !missing.empty()) {
+            log(missing);
+            return {};
+        }
+    }
     auto event = std::make_unique<KeyEvent>();
     event->keyCode = keyCode;
     event->down = keyDown;
@@ -62,17 +74,16 @@ void LinuxPlatform::postEvent(std::uint32_t /*tap*/, const Event& event) {
     // The first key after text was put on the clipboard is the paste key:
     // what is asked for from now on is the paste's.
     if (paste_ && !paste_->answeredAtKey) {
-        paste_->answeredAtKey = x11_->clipboardDataAnswered();
+        paste_->answeredAtKey = session_->clipboardDataAnswered();
         paste_->keyTime = now();
     }
-    Display* display = x11_->display();
     for (const auto& [code, modifier] : kModifierKeys) {
-        if (code == e->keyCode) return keyboard_.modifierKey(display, modifier, e->down);
+        if (code == e->keyCode) return session_->modifierKey(modifier, e->down);
     }
     const UsKey* key = usKey(e->keyCode);
     if (key == nullptr) return;
-    if (!e->down) return keyboard_.release(display, e->keyCode);
-    if (!keyboard_.press(display, e->keyCode, KeyRequest{key->plain, key->shifted, modifiersOf(e->flags)})) {
+    if (!e->down) return session_->release(e->keyCode);
+    if (!session_->press(e->keyCode, KeyRequest{key->plain, key->shifted, modifiersOf(e->flags)})) {
         const bool shifted = key->shifted != NoSymbol && (modifiersOf(e->flags) & kShiftBit);
         const char* name = XKeysymToString(shifted ? key->shifted : key->plain);
         log(std::string("Keyboard: no key types '") + (name != nullptr ? name : "?") +
@@ -97,16 +108,15 @@ bool LinuxPlatform::typeIntoEmptyField(std::string_view text) {
         if (found == nullptr) return false;
         keys.emplace_back(found, shifted);
     }
-    Display* display = x11_->display();
     const auto stroke = [&](const UsKey& key, Modifiers modifiers) {
-        const bool pressed = keyboard_.press(display, key.code, KeyRequest{key.plain, key.shifted, modifiers});
-        if (pressed) keyboard_.release(display, key.code);
+        const bool pressed = session_->press(key.code, KeyRequest{key.plain, key.shifted, modifiers});
+        if (pressed) session_->release(key.code);
         return pressed;
     };
     for (const auto& [key, shifted] : keys) {
         if (!stroke(*key, shifted ? kShiftBit : 0)) return false;
     }
-    x11_->serve(0);
+    session_->serve(0);
     return true;
 }
 

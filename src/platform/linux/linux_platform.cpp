@@ -14,7 +14,8 @@
 #include "platform/linux/app_list.h"
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/detach.h"
-#include "platform/linux/x11_session.h"
+#include "platform/linux/wayland_session.h"
+#include "platform/linux/x11_desktop.h"
 #include "platform/reply_limit.h"
 #include "platform/system_log.h"
 
@@ -49,11 +50,32 @@ bool registryAnswers() {
 
 }  // namespace
 
+namespace {
+
+bool isSet(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0';
+}
+
+// A Wayland session when the session says so (XDG_SESSION_TYPE) or, when it
+// does not say, when a compositor is named (WAYLAND_DISPLAY); X11 otherwise,
+// and when the compositor cannot be reached.
+std::unique_ptr<Session> openSession() {
+    const char* type = std::getenv("XDG_SESSION_TYPE");
+    const std::string_view kind = type != nullptr ? type : "";
+    if (kind == "wayland" || (kind != "x11" && isSet("WAYLAND_DISPLAY"))) {
+        if (std::unique_ptr<Session> wayland = WaylandSession::open()) return wayland;
+    }
+    if (!isSet("DISPLAY")) return nullptr;
+    return X11Desktop::open();
+}
+
+}  // namespace
+
 std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
-    const char* display = std::getenv("DISPLAY");
-    if (display == nullptr || *display == '\0' || !sessionBusReachable()) return nullptr;
-    std::unique_ptr<X11Session> x11 = X11Session::open();
-    if (!x11) return nullptr;
+    if (!sessionBusReachable()) return nullptr;
+    std::unique_ptr<Session> session = openSession();
+    if (!session) return nullptr;
     if (atspi_init() > 1) return nullptr;
     // Every call into an application waits at most the reply limit, from the
     // first call on (no longer grace period for an application just seen).
@@ -63,7 +85,7 @@ std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
     atspi_set_main_context(privateContext());
     if (!registryAnswers()) return nullptr;
     auto platform = std::make_shared<LinuxPlatform>(Key());
-    platform->x11_ = std::move(x11);
+    platform->session_ = std::move(session);
     // Applications that start from now on join the accessibility bus;
     // Chromium-based ones already running without it never do.
     switchAccessibilityOn();
@@ -191,7 +213,7 @@ std::vector<RunningApp> LinuxPlatform::runningApplications() {
 
 std::optional<RunningApp> LinuxPlatform::frontmostApplication() {
     const auto locked = guard();
-    const std::optional<std::int32_t> pid = x11_->activeWindowPid();
+    const std::optional<std::int32_t> pid = session_->activeWindowPid();
     if (!pid) return std::nullopt;
     for (RunningApp& app : runningApplications()) {
         if (app.pid == *pid) return std::move(app);
@@ -221,9 +243,7 @@ bool LinuxPlatform::launchApplication(std::string_view name) {
 bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*options*/) {
     const auto locked = guard();
     touch();
-    const std::vector<Window> windows = x11_->windowsOf(app.pid);
-    if (windows.empty()) return false;
-    return x11_->activate(windows.back());
+    return session_->activate(app.pid);
 }
 
 // --- Pasteboard: the CLIPBOARD selection
@@ -235,7 +255,7 @@ bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*o
 std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
     const auto locked = guard();
     std::vector<PasteboardItem> items;
-    const Offers offers = x11_->readClipboard();
+    const Offers offers = session_->readClipboard();
     if (offers.empty()) return items;
     PasteboardItem& item = items.emplace_back();
     for (const Offer& offer : offers) {
@@ -247,7 +267,7 @@ std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
 void LinuxPlatform::clearPasteboard() {
     const auto locked = guard();
     awaitPaste();
-    x11_->disown();
+    session_->disown();
 }
 
 // A paste sets the text, presses the paste key, pauses and restores the
@@ -257,19 +277,19 @@ void LinuxPlatform::clearPasteboard() {
 // key, or the reply limit has passed since the key.
 void LinuxPlatform::awaitPaste() {
     const std::optional<Paste> paste = std::exchange(paste_, std::nullopt);
-    if (!paste || !paste->answeredAtKey || !x11_->ownsClipboard()) return;
+    if (!paste || !paste->answeredAtKey || !session_->ownsClipboard()) return;
     const double deadline = paste->keyTime + replyLimitMs() / 1000.0;
     constexpr double kSlice = 0.005;
-    while (x11_->clipboardDataAnswered() == *paste->answeredAtKey) {
+    while (session_->clipboardDataAnswered() == *paste->answeredAtKey) {
         if (now() >= deadline) {
             log("Paste: no application asked for the pasted text within " + std::to_string(replyLimitMs()) +
                 " ms of the paste key; the clipboard is restored all the same");
             return;
         }
-        x11_->serve(kSlice);
+        session_->serve(kSlice);
     }
     // Some ask for more than one type in a row: a moment more for those.
-    x11_->serve(0.02);
+    session_->serve(0.02);
 }
 
 namespace {
@@ -289,7 +309,7 @@ bool LinuxPlatform::setPasteboardString(std::string_view text, std::string_view 
     const auto locked = guard();
     Offers offers;
     addOffers(offers, type, std::string(text));
-    const bool owned = x11_->own(std::move(offers));
+    const bool owned = session_->own(std::move(offers));
     if (owned) paste_.emplace();
     return owned;
 }
@@ -304,8 +324,8 @@ bool LinuxPlatform::writePasteboardItems(const std::vector<PasteboardItem>& item
     }
     if (offers.empty()) return true;
     // Served from here at once, and by the holder once it has them.
-    if (!x11_->own(std::move(offers))) return false;
-    return x11_->handToHolder();
+    if (!session_->own(std::move(offers))) return false;
+    return session_->handToHolder();
 }
 
 // --- Sleeping, clock, log, handles
@@ -320,7 +340,7 @@ void LinuxPlatform::sleep(double seconds) {
     for (double left = seconds; left > 0; left = end - now()) {
         const auto locked = guard();
         touch();
-        x11_->serve(std::min(left, kSlice));
+        session_->serve(std::min(left, kSlice));
     }
 }
 

@@ -1,7 +1,8 @@
 // The real desktop on Linux: the platform interface implemented with libatspi
-// (accessibility elements, attributes, actions, focus), Xlib and XTest
-// (keyboard events, the active window, activation, closing windows, the
-// CLIPBOARD selection), process spawning and syslog. docs/linux-backend.md
+// (accessibility elements, attributes, actions, focus), the window system
+// (session.h: X11 through Xlib and XTest, or a Wayland compositor: keyboard
+// events, the active window, activation, closing windows, the clipboard),
+// process spawning and syslog. docs/linux-backend.md
 // describes how AT-SPI roles and states map to the attributes the library
 // reads.
 //
@@ -33,12 +34,10 @@
 #include "platform/linux/owned.h"
 #include "platform/linux/sight.h"
 #include "platform/linux/survey.h"
-#include "platform/linux/x11_keyboard.h"
+#include "platform/linux/session.h"
 #include "platform/platform.h"
 
 namespace zeblo::platform::linux_desktop {
-
-class X11Session;
 
 // What one element handle refers to.
 struct Node {
@@ -136,7 +135,8 @@ public:
     void touch() { ++generation_; }
     // Held by every operation of the backend.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() { return std::unique_lock(lock_); }
-    X11Session& x11() { return *x11_; }
+    // The window system: X11 or a Wayland compositor (session.h).
+    Session& session() { return *session_; }
     // The sight `node`'s children are judged by, set once read.
     Sight sightOf(Node& node);
     // The sight of the windows of the application `object` belongs to, from
@@ -165,8 +165,7 @@ private:
     // paste put there has been taken (see clearPasteboard).
     void awaitPaste();
 
-    std::unique_ptr<X11Session> x11_;
-    X11Keyboard keyboard_;          // the keys postEvent holds
+    std::unique_ptr<Session> session_;
     // A paste in progress: set when text is put on the clipboard, and, once
     // a key is pressed, how many requests for the clipboard's data had been
     // answered then and when.
