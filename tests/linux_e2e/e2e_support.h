@@ -73,11 +73,18 @@ inline bool isRunning(std::string_view app) {
 // The backend's element nodes, key events and surveys alive: none between calls.
 inline int liveObjects() { return zeblo::platform::linux_desktop::liveObjects(); }
 
-// Whether the tests can reach a desktop at all.
-inline bool desktopAvailable() {
-    const char* display = std::getenv("DISPLAY");
-    return display != nullptr && *display != '\0';
+inline bool isSet(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0';
 }
+
+// Whether the tests can reach a desktop at all: an X display or a Wayland
+// compositor.
+inline bool desktopAvailable() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"); }
+
+// Whether the desktop is a Wayland session (no X server: the X11 tools the
+// tests use, setxkbmap and X selections, do not apply).
+inline bool onWayland() { return !isSet("DISPLAY"); }
 
 // Every end-to-end test checks at its end that the backend kept nothing alive.
 class DesktopTest : public ::testing::Test {
