@@ -4,6 +4,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <deque>
@@ -19,7 +20,10 @@ namespace {
 
 constexpr double kCompositorSeconds = 1.0;
 constexpr double kHolderSeconds = 2.0;
-constexpr std::uint16_t kF4 = 118;  // the library's key code
+constexpr std::uint16_t kF4 = 118;  // the library's key codes
+constexpr std::uint16_t kTab = 48;
+constexpr double kActivationSeconds = 0.15;
+constexpr int kSwitchSteps = 8;  // windows tried at most
 
 // The application registered with process id `pid`, or null.
 AccessibleRef applicationOf(std::int32_t pid) {
@@ -167,10 +171,30 @@ bool WaylandSession::activate(std::int32_t pid) {
     for (const AccessibleRef& w : windows) {
         if (hasState(w.get(), ATSPI_STATE_ACTIVE)) return true;
     }
+    const auto active = [&] {
+        // The toolkit tells a moment after the compositor has moved the focus.
+        for (const double end = monotonicSeconds() + kActivationSeconds; monotonicSeconds() < end; usleep(10000)) {
+            for (const AccessibleRef& w : windowsOf(app.get())) {
+                if (hasState(w.get(), ATSPI_STATE_ACTIVE)) return true;
+            }
+        }
+        return false;
+    };
     const Ref<AtspiComponent> component =
         Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(windows.back().get()));
     Error error;
-    return component && atspi_component_grab_focus(component.get(), out(error)) && !error;
+    if (component && atspi_component_grab_focus(component.get(), out(error)) && !error && active()) return true;
+    // The compositor's window switching, backwards through its list of
+    // windows (the least recently used first), until the process's window
+    // is active: mutter's Shift+Alt+Tab, which it handles itself without a
+    // shell.
+    if (!keysMissing_.empty()) return false;
+    for (int i = 0; i < kSwitchSteps; ++i) {
+        if (!press(kTab, KeyRequest{0xff09 /* Tab */, 0, static_cast<Modifiers>(kAltBit | kShiftBit)})) return false;
+        release(kTab);
+        if (active()) return true;
+    }
+    return false;
 }
 
 bool WaylandSession::requestClose(std::int32_t pid, const std::string& title) {
