@@ -75,6 +75,12 @@ void readOwner(DBusMessage* message, std::vector<std::string>& types, bool& ours
         dbus_message_iter_next(&entry);
         dbus_message_iter_recurse(&entry, &variant);
         const std::string name = key != nullptr ? key : "";
+        // mutter sends the list of types inside a structure: (as).
+        if (dbus_message_iter_get_arg_type(&variant) == DBUS_TYPE_STRUCT) {
+            DBusMessageIter inner;
+            dbus_message_iter_recurse(&variant, &inner);
+            variant = inner;
+        }
         const int kind = dbus_message_iter_get_arg_type(&variant);
         if (name == "session-is-owner" && kind == DBUS_TYPE_BOOLEAN) {
             dbus_bool_t value = FALSE;
@@ -152,6 +158,10 @@ std::unique_ptr<RemoteDesktop> RemoteDesktop::open(WaylandDisplay* display) {
                              self->session_ + "'";
     dbus_bus_add_match(self->bus_.get(), rule.c_str(), nullptr);
     if (!self->call("Start", nullptr)) return nullptr;
+    // From now on every change of the clipboard's owner is signalled, with
+    // the types it offers.
+    self->clipboardOn_ = static_cast<bool>(
+        self->call("EnableClipboard", [](DBusMessageIter& args) { return appendOptions(args, nullptr); }));
     // A seat that had no keyboard gets one now; its clients take a moment
     // to ask for it, and keys before that are lost.
     if (display != nullptr) {
