@@ -14,6 +14,7 @@ build=(
   cmake ninja-build g++ pkg-config
   libicu-dev nlohmann-json3-dev
   libatspi2.0-dev libxtst-dev libx11-dev  # the Linux desktop backend
+  libwayland-dev libxkbcommon-dev  # its Wayland side (wayland-scanner comes with libwayland-dev)
   python3  # the demo's Python example
 )
 tests=(
@@ -28,6 +29,7 @@ desktop=(
   x11-xkb-utils  # setxkbmap: the typing tests switch keyboard layouts
   chromium       # a web page read and driven through accessibility
   qtbase5-dev qt6-base-dev qtbase5-examples  # the Qt test application (Qt 5 and 6); Qt applications with menus
+  sway mutter weston qtwayland5 qt6-wayland  # headless Wayland sessions, and Qt on Wayland
 )
 packages=("${build[@]}" "${tests[@]}")
 extra=()

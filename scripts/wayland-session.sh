@@ -45,7 +45,7 @@ fi
 
 # Inside the session bus, as the session's user.
 tmp=$ZEBLO_WAYLAND_TMP
-export XDG_SESSION_TYPE=wayland GDK_BACKEND=wayland QT_QPA_PLATFORM=wayland
+export XDG_SESSION_TYPE=wayland GDK_BACKEND=wayland QT_QPA_PLATFORM=wayland ZEBLO_WAYLAND_COMPOSITOR=$compositor
 case "$compositor" in
   sway)
     printf 'xwayland disable\noutput HEADLESS-1 resolution 1280x720\n' >"$tmp/run/sway.conf"
@@ -53,7 +53,7 @@ case "$compositor" in
       sway -c "$tmp/run/sway.conf" >"$tmp/run/compositor.log" 2>&1 &
     ;;
   mutter) mutter --wayland --headless --no-x11 --virtual-monitor 1280x720 >"$tmp/run/compositor.log" 2>&1 & ;;
-  weston) weston --backend=headless-backend.so --xwayland=false >"$tmp/run/compositor.log" 2>&1 & ;;
+  weston) weston --backend=headless-backend.so >"$tmp/run/compositor.log" 2>&1 & ;;
 esac
 compositor_pid=$!
 for _ in $(seq 1 200); do
