@@ -201,11 +201,14 @@
 **   - macOS: the real desktop (the accessibility API, CoreGraphics events,
 **     NSWorkspace, the general NSPasteboard, NSLog).  The function blocks
 **     below are written in its terms.
-**   - Linux: the real X11 desktop (AT-SPI2 through libatspi, XTest, Xlib),
-**     when the library was built with it and, at that first call, DISPLAY
-**     is set and opens with the XTEST extension, the session bus can be
-**     reached (DBUS_SESSION_BUS_ADDRESS, or XDG_RUNTIME_DIR/bus) and the
-**     accessibility registry answers.  Otherwise, and on other systems:
+**   - Linux: the real desktop (AT-SPI2 through libatspi for elements),
+**     when the library was built with it and, at that first call, the
+**     session bus can be reached (DBUS_SESSION_BUS_ADDRESS, or
+**     XDG_RUNTIME_DIR/bus), the accessibility registry answers and a window
+**     system does: a Wayland compositor (WAYLAND_DISPLAY) when
+**     XDG_SESSION_TYPE is "wayland", or is not set and WAYLAND_DISPLAY is;
+**     else X11 (DISPLAY, with the XTEST extension).  See LINUX: WAYLAND
+**     for what differs under Wayland.  Otherwise, and on other systems:
 **   - an empty desktop: no application runs and none is in front (every
 **     lookup fails with its "not found" or "no frontmost application"
 **     answer), key events go nowhere and succeed, the pasteboard is private
@@ -543,6 +546,39 @@
 **
 ** Log.  Lines go to syslog (LOG_INFO, the line as given, never a format), and
 ** also to standard error when the environment variable ZEBLO_LOG_STDERR is 1.
+**
+** LINUX: WAYLAND
+**
+** Elements, actions and values go through AT-SPI2 as under X11.  What X11
+** gives otherwise comes from the compositor's own interfaces, per
+** compositor:
+**   - GNOME (mutter): keys and the clipboard through mutter's remote
+**     desktop interface (org.gnome.Mutter.RemoteDesktop on the session bus),
+**     which asks the user nothing.  Keys are keysyms that mutter types on
+**     its current layout, holding Shift or AltGr as needed; a character the
+**     layout has only as a dead key is typed as the dead key and a space,
+**     one it lacks altogether is skipped with the Keyboard line of the
+**     Keyboard paragraph above.  A window is activated through its toolkit
+**     (AT-SPI's grab_focus on its frame) or else with mutter's Shift+Alt+Tab
+**     until it is active; closed with the Close button of its client-side
+**     title bar (GTK), else with Alt+F4 when it is the active window.
+**   - sway and other wlroots compositors: keys through a virtual keyboard
+**     (zwp_virtual_keyboard_v1) that carries the library's own keymap (the
+**     US keys), so typed text is right whatever the user's layout; the
+**     clipboard through data control (zwlr_data_control_manager_v1);
+**     focusing and closing windows (sway) through sway's IPC (SWAYSOCK).
+**   - KDE (KWin) and compositors with neither (weston): no way to send
+**     keys is used; every keyboard function fails after the line
+**         Keyboard: no way to send keys in this Wayland session: ...
+**     (saying what was looked for and what to run instead), and
+**     zeblo_paste_text leaves the clipboard untouched.
+** The first keyboard call of the process pauses about 0.15 s while the
+** applications take the new keyboard.  The frontmost application is the
+** process of the frame in the active state (sway: else sway's focused
+** window).  Restored clipboard contents are served after a paste by the
+** clipboard holder through the same interface (zeblo-helper hold wayland
+** or hold mutter).  Under mutter, a clipboard that another application
+** set before the paste is not yet put back reliably.
 **
 ** LINUX: WHAT IS KEPT, AND THE LOCK
 **
