@@ -25,6 +25,11 @@ constexpr std::uint16_t kTab = 48;
 constexpr double kActivationSeconds = 0.15;
 constexpr int kSwitchSteps = 8;  // windows tried at most
 
+// The shown windows of `app` (none when they cannot be read).
+std::vector<AccessibleRef> framesOf(AtspiAccessible* app) {
+    return windowsOf(app, Sight::showing).value_or(std::vector<AccessibleRef>{});
+}
+
 // The application registered with process id `pid`, or null.
 AccessibleRef applicationOf(std::int32_t pid) {
     const std::vector<ListedApp> apps = listApplications(nullptr);
@@ -36,7 +41,7 @@ AccessibleRef applicationOf(std::int32_t pid) {
 
 // The window of `app` titled `title`, else its only window.
 AccessibleRef windowOf(AtspiAccessible* app, const std::string& title) {
-    std::vector<AccessibleRef> windows = windowsOf(app);
+    std::vector<AccessibleRef> windows = framesOf(app);
     for (AccessibleRef& w : windows) {
         if (nameOf(w.get()) == title) return std::move(w);
     }
@@ -136,7 +141,7 @@ std::optional<std::pair<std::int32_t, AccessibleRef>> WaylandSession::activeFram
         if (apps[i].pid == 0) continue;
         const AccessibleRef app = applicationObject(apps[i], i);
         if (!app) continue;
-        for (AccessibleRef& window : windowsOf(app.get())) {
+        for (AccessibleRef& window : framesOf(app.get())) {
             if (hasState(window.get(), ATSPI_STATE_ACTIVE)) return std::make_pair(apps[i].pid, std::move(window));
         }
     }
@@ -166,7 +171,7 @@ bool WaylandSession::activate(std::int32_t pid) {
     }
     const AccessibleRef app = applicationOf(pid);
     if (!app) return false;
-    const std::vector<AccessibleRef> windows = windowsOf(app.get());
+    const std::vector<AccessibleRef> windows = framesOf(app.get());
     if (windows.empty()) return false;
     for (const AccessibleRef& w : windows) {
         if (hasState(w.get(), ATSPI_STATE_ACTIVE)) return true;
@@ -174,7 +179,7 @@ bool WaylandSession::activate(std::int32_t pid) {
     const auto active = [&] {
         // The toolkit tells a moment after the compositor has moved the focus.
         for (const double end = monotonicSeconds() + kActivationSeconds; monotonicSeconds() < end; usleep(10000)) {
-            for (const AccessibleRef& w : windowsOf(app.get())) {
+            for (const AccessibleRef& w : framesOf(app.get())) {
                 if (hasState(w.get(), ATSPI_STATE_ACTIVE)) return true;
             }
         }
