@@ -203,6 +203,15 @@ std::optional<std::uint64_t> statesOf(AtspiAccessible* object) {
     return bits;
 }
 
+std::optional<ScreenBox> screenBoxOf(AtspiAccessible* object) {
+    const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
+    if (!component) return std::nullopt;
+    Error error;
+    const Owned<AtspiRect, g_free> box(atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, out(error)));
+    if (error || !box || box->width <= 0 || box->height <= 0) return std::nullopt;
+    return ScreenBox{box->x, box->y, box->width, box->height};
+}
+
 std::optional<Size> sizeOf(AtspiAccessible* object) {
     const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
     if (!component) return std::nullopt;

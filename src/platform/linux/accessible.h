@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/linux/owned.h"
+#include "platform/linux/session.h"
 #include "platform/linux/sight.h"
 
 // libatspi's own lookup of the object at a bus name and path (a new
@@ -51,5 +52,8 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object);
 // The size of `object` on screen; nothing when it gives none.
 std::optional<Size> sizeOf(AtspiAccessible* object);
+// Where `object` is on the screen; nothing when it does not say (a toolkit
+// that knows only window coordinates gives none).
+std::optional<ScreenBox> screenBoxOf(AtspiAccessible* object);
 
 }  // namespace zeblo::platform::linux_desktop

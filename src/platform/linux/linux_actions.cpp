@@ -128,7 +128,7 @@ AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
     if (error) return kAXErrorFailure;
     const std::string title = takeText(atspi_accessible_get_name(window, out(error)));
     if (error) return kAXErrorFailure;
-    return p.session().requestClose(pid, title) ? kAXErrorSuccess : kAXErrorFailure;
+    return p.session().requestClose(pid, title, screenBoxOf(window)) ? kAXErrorSuccess : kAXErrorFailure;
 }
 
 }  // namespace

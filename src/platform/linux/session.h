@@ -14,6 +14,14 @@
 
 namespace zeblo::platform::linux_desktop {
 
+// A rectangle on the screen, in pixels.
+struct ScreenBox {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
 class Session {
 public:
     virtual ~Session() = default;
@@ -34,8 +42,11 @@ public:
     // Brings a window of process `pid` to the front; false when it cannot.
     virtual bool activate(std::int32_t pid) = 0;
     // Asks the window of process `pid` titled `title` to close; false when
-    // the request could not be made.
-    virtual bool requestClose(std::int32_t pid, const std::string& title) = 0;
+    // the request could not be made. `box` is where the accessibility bus
+    // places the window on the screen, when it says: the window system's
+    // title may differ from the accessible one (an alert named "Warning"
+    // whose title is "Save Document?").
+    virtual bool requestClose(std::int32_t pid, const std::string& title, const std::optional<ScreenBox>& box) = 0;
     // Makes the toolkit of the focused window notice its focus again; false
     // when there is no such way or no focused window.
     virtual bool refreshFocus() = 0;

@@ -202,7 +202,7 @@ bool WaylandSession::activate(std::int32_t pid) {
     return false;
 }
 
-bool WaylandSession::requestClose(std::int32_t pid, const std::string& title) {
+bool WaylandSession::requestClose(std::int32_t pid, const std::string& title, const std::optional<ScreenBox>& /*box*/) {
     if (sway_) {
         const std::optional<SwayView> view = sway_->viewOf(pid, title);
         return view && sway_->run(view->id, "kill");

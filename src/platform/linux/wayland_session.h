@@ -44,7 +44,7 @@ public:
     std::optional<std::int32_t> activeWindowPid() override;
     std::string activeWindowTitle() override;
     bool activate(std::int32_t pid) override;
-    bool requestClose(std::int32_t pid, const std::string& title) override;
+    bool requestClose(std::int32_t pid, const std::string& title, const std::optional<ScreenBox>& box) override;
     bool refreshFocus() override { return false; }
 
     Offers readClipboard() override;

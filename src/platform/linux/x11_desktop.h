@@ -23,7 +23,7 @@ public:
     std::optional<std::int32_t> activeWindowPid() override { return x11_->activeWindowPid(); }
     std::string activeWindowTitle() override { return x11_->activeWindowTitle(); }
     bool activate(std::int32_t pid) override;
-    bool requestClose(std::int32_t pid, const std::string& title) override;
+    bool requestClose(std::int32_t pid, const std::string& title, const std::optional<ScreenBox>& box) override;
     bool refreshFocus() override { return x11_->refreshFocus(); }
 
     Offers readClipboard() override { return x11_->readClipboard(); }

@@ -114,6 +114,23 @@ std::vector<Window> X11Session::windowsOf(std::int32_t pid) {
     return out;
 }
 
+std::optional<ScreenBox> X11Session::frameOf(Window window) {
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(display(), window, &attributes) == 0) return std::nullopt;
+    int x = 0, y = 0;
+    Window child = 0;
+    if (XTranslateCoordinates(display(), window, attributes.root, 0, 0, &x, &y, &child) == 0) return std::nullopt;
+    ScreenBox box{x, y, attributes.width, attributes.height};
+    const auto frame = longProperty(display(), window, atom("_NET_FRAME_EXTENTS"), XA_CARDINAL);
+    if (frame.size() == 4) {  // left, right, top, bottom
+        box.x -= static_cast<std::int32_t>(frame[0]);
+        box.y -= static_cast<std::int32_t>(frame[2]);
+        box.width += static_cast<std::int32_t>(frame[0] + frame[1]);
+        box.height += static_cast<std::int32_t>(frame[2] + frame[3]);
+    }
+    return box;
+}
+
 bool X11Session::activate(Window window) {
     // Source 2: the request comes from a pager-like tool.
     XEvent event = clientMessage(window, atom("_NET_ACTIVE_WINDOW"), 2, CurrentTime);

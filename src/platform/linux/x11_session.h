@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "platform/linux/owned.h"
+#include "platform/linux/session.h"
 #include "platform/linux/x11_selection.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -38,6 +39,9 @@ public:
     // Managed top-level windows of process `pid`, in the window manager's order.
     std::vector<Window> windowsOf(std::int32_t pid);
     std::string titleOf(Window window);
+    // Where `window` is on the screen with its window manager's frame
+    // (_NET_FRAME_EXTENTS); nothing when it cannot be told.
+    std::optional<ScreenBox> frameOf(Window window);
     bool activate(Window window);
     // Moves the input focus to the root window and back to the window that
     // has it, so that its toolkit sees a fresh focus-in. False when no window
