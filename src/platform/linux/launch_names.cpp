@@ -52,9 +52,26 @@ std::string language() {
 }
 
 struct Entry {
-    std::string name, localized, wmClass, exec;
+    std::string name, localized, wmClass, exec, categories;
     bool hidden = false;
+    bool noDisplay = false;
 };
+
+// Whether `entry` (with its Exec split into `command`) is an application's
+// main entry: it starts the program itself, with no arguments but the files
+// to open, is shown in menus and is no settings dialog ("mousepad --
+// preferences" under the name of the editor's settings).
+bool isMainEntry(const Entry& entry, const std::vector<std::string>& command) {
+    const auto inCategory = [&](std::string_view category) {
+        std::istringstream in(entry.categories);
+        std::string item;
+        while (std::getline(in, item, ';')) {
+            if (item == category) return true;
+        }
+        return false;
+    };
+    return command.size() == 1 && !entry.noDisplay && !inCategory("Settings") && !inCategory("X-XFCE-SettingsDialog");
+}
 
 Entry readEntry(const std::string& file, const std::string& lang) {
     Entry entry;
@@ -79,6 +96,8 @@ Entry readEntry(const std::string& file, const std::string& lang) {
         if (key == "StartupWMClass") entry.wmClass = value;
         if (key == "Exec") entry.exec = value;
         if (key == "Hidden" && value == "true") entry.hidden = true;
+        if (key == "NoDisplay" && value == "true") entry.noDisplay = true;
+        if (key == "Categories") entry.categories = value;
     }
     return entry;
 }
@@ -105,6 +124,9 @@ std::vector<std::string> dataDirectories() {
 std::vector<std::string> desktopEntryCommand(const std::vector<std::string>& dataDirs, const std::string& name) {
     if (name.empty()) return {};
     const std::string lang = language();
+    // The first entry that names it, unless a later one is the program's
+    // main entry and the first is not.
+    std::vector<std::string> first;
     for (const std::string& dir : dataDirs) {
         const std::string folder = dir + "/applications/";
         const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
@@ -123,10 +145,12 @@ std::vector<std::string> desktopEntryCommand(const std::vector<std::string>& dat
                                sameIgnoringCase(file.substr(0, file.size() - 8), name) ||
                                (!entry.wmClass.empty() && sameIgnoringCase(entry.wmClass, name)) ||
                                sameIgnoringCase(baseName(command.front()), name);
-            if (named) return command;
+            if (!named) continue;
+            if (isMainEntry(entry, command)) return command;
+            if (first.empty()) first = command;
         }
     }
-    return {};
+    return first;
 }
 
 void LaunchNames::listed(const std::string& name, std::int32_t pid) {

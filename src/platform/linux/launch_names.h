@@ -7,9 +7,12 @@
 //   the current locale, file name (without ".desktop"), StartupWMClass or
 //   program (Exec's first word, without its directory) equals the name;
 //   Name and the localized Name exactly, the others without regard to ASCII
-//   case. Hidden entries are passed over; the command is Exec, split at
-//   blanks and with its field codes (%U, %f...) dropped. They are read
-//   afresh at each launch (a launch is rare and already waits);
+//   case. Hidden entries are passed over; of the others, the first that is
+//   the program's main entry (its command is the program alone, and it is
+//   neither NoDisplay nor a settings dialog) wins, else the first. The
+//   command is Exec, split at blanks and with its field codes (%U, %f...)
+//   dropped. They are read afresh at each launch (a launch is rare and
+//   already waits);
 // - the executable of a process that was listed under that name before
 //   (remembered for the process's life, at most kMaxRemembered names).
 #pragma once
