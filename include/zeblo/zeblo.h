@@ -209,11 +209,14 @@
 **     XDG_SESSION_TYPE is "wayland", or is not set and WAYLAND_DISPLAY is;
 **     else X11 (DISPLAY, with the XTEST extension).  See LINUX: WAYLAND
 **     for what differs under Wayland.  Otherwise, and on other systems:
-**   - an empty desktop: no application runs and none is in front (every
-**     lookup fails with its "not found" or "no frontmost application"
-**     answer), key events go nowhere and succeed, the pasteboard is private
-**     and in memory, pauses and waits take no real time, and log lines go to
-**     syslog.
+**   - no desktop: no application runs and none is in front (every lookup
+**     fails with its "not found" or "no frontmost application" answer),
+**     there is no pasteboard, and every call that would send a key or
+**     launch fails, after one log line that says why no desktop can be
+**     reached ("No desktop can be reached (neither DISPLAY nor
+**     WAYLAND_DISPLAY is set): no key can be sent"); typing, pasting and
+**     keystrokes answer false, "Failed to create event source".  Pauses and
+**     waits take real time; log lines go to syslog.
 **
 ** THE SIMULATED LIBRARY, for testing a host offline.  The build also makes a
 ** second library with the same file name, the same 25 functions and the same
@@ -227,7 +230,9 @@
 **     LD_LIBRARY_PATH=PREFIX/lib/zeblo/simulated ZEBLO_SIMULATE=d.json ./tests
 ** (DYLD_LIBRARY_PATH on macOS).  The file is read once, at the first call;
 ** when ZEBLO_SIMULATE is not set or the file cannot be read, one log line
-** says why and the desktop is the empty one above.  Time is virtual there:
+** says why and the desktop is an empty one: no application runs and none
+** is in front, key events go nowhere and succeed, the pasteboard is private
+** and in memory.  Time is virtual there:
 ** pauses, waits and timeouts take no real time.  When ZEBLO_TRACE names a
 ** file ("-": standard error), every side effect (key event, press, written
 ** value, pasteboard change, launch, activation, pause, log line) is written

@@ -289,9 +289,8 @@ Handle<K>::~Handle() {
 // The process-wide backend.
 
 // The backend every operation uses. Until one is installed this is the
-// machine's default: the real desktop where the library has a backend for it,
-// otherwise an empty desktop with no applications and no frontmost
-// application.
+// machine's default: the real desktop where the library has a backend for it
+// and the desktop can be reached, otherwise no desktop (default/no_desktop.h).
 Platform& current();
 
 // Installs `backend` for every later call; null goes back to the default.

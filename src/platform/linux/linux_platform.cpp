@@ -72,18 +72,23 @@ std::unique_ptr<Session> openSession() {
 
 }  // namespace
 
-std::shared_ptr<LinuxPlatform> LinuxPlatform::connect() {
-    if (!sessionBusReachable()) return nullptr;
+std::shared_ptr<LinuxPlatform> LinuxPlatform::connect(std::string* why) {
+    const auto fail = [why](const char* reason) -> std::shared_ptr<LinuxPlatform> {
+        *why = reason;
+        return nullptr;
+    };
+    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) return fail("neither DISPLAY nor WAYLAND_DISPLAY is set");
+    if (!sessionBusReachable()) return fail("the session bus cannot be reached");
     std::unique_ptr<Session> session = openSession();
-    if (!session) return nullptr;
-    if (atspi_init() > 1) return nullptr;
+    if (!session) return fail("the display cannot be opened");
+    if (atspi_init() > 1) return fail("the accessibility library cannot start");
     // Every call into an application waits at most the reply limit, from the
     // first call on (no longer grace period for an application just seen).
     atspi_set_timeout(replyLimitMs(), 0);
     // libatspi's signal handling runs on a context of its own, which only
     // drainEvents() iterates: never the host's default context.
     atspi_set_main_context(privateContext());
-    if (!registryAnswers()) return nullptr;
+    if (!registryAnswers()) return fail("the accessibility bus does not answer");
     auto platform = std::make_shared<LinuxPlatform>(Key());
     platform->session_ = std::move(session);
     // Applications that start from now on join the accessibility bus;

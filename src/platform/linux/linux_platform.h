@@ -76,8 +76,8 @@ struct KeyEvent {
 class LinuxPlatform final : public Platform {
 public:
     // The backend when a display and the accessibility bus can be reached,
-    // otherwise null.
-    static std::shared_ptr<LinuxPlatform> connect();
+    // otherwise null, with the reason in `why`.
+    static std::shared_ptr<LinuxPlatform> connect(std::string* why);
     // Made by connect() only.
     class Key {
         friend class LinuxPlatform;
