@@ -112,12 +112,65 @@ AccessibleRef pressableTwin(AtspiAccessible* object) {
     return {};
 }
 
-// Presses `object`, or the twin that can be pressed in its place.
-AXError pressOrTwin(AtspiAccessible* object) {
+// Toggles `object`, a check box without any action (GTK 4.8 gives its check
+// buttons none, and no way to give them the focus), as a user would with the
+// keyboard: its window is brought to the front, Tab moves the focus until it
+// is on the check box, and Space toggles it. Done when its checked state has
+// changed within the reply limit; nothing but the focus has moved otherwise.
+AXError toggleByKey(LinuxPlatform& p, AtspiAccessible* object) {
+    const auto has = [](const std::optional<std::uint64_t>& states, AtspiStateType state) {
+        return states && ((*states >> state) & 1) != 0;
+    };
+    const std::optional<std::uint64_t> before = statesOf(object);
+    if (!has(before, ATSPI_STATE_SENSITIVE) || !has(before, ATSPI_STATE_FOCUSABLE)) return kAXErrorActionUnsupported;
+    Error error;
+    const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(object, out(error)));
+    if (error) return kAXErrorFailure;
+    Session& session = p.session();
+    if (session.activeWindowPid() != pid && !session.activate(pid)) return kAXErrorFailure;
+    const auto tap = [&](std::uint16_t id, KeySym keysym) {
+        if (!session.press(id, KeyRequest{keysym, 0, 0})) return false;
+        session.release(id);
+        p.touch();
+        return true;
+    };
+    // A short wait for the toolkit to show what a key did.
+    const auto within = [&](double seconds, auto done) {
+        for (const double end = p.now() + seconds; !done(); p.sleep(0.005)) {
+            if (p.now() >= end) return false;
+        }
+        return true;
+    };
+    const auto focused = [&] { return session.activeWindowPid() == pid && has(statesOf(object), ATSPI_STATE_FOCUSED); };
+    constexpr int kMostTabs = 64;
+    constexpr std::uint16_t kTab = 48, kSpace = 49;  // the library's key codes
+    bool reached = within(0.1, focused);
+    for (int tabs = 0; !reached && tabs < kMostTabs; ++tabs) {
+        if (!tap(kTab, 0xff09 /* Tab */)) return kAXErrorFailure;
+        reached = within(0.05, focused);
+    }
+    if (!reached) {
+        p.log("Check box without an action: the focus did not reach it with Tab");
+        return kAXErrorFailure;
+    }
+    if (!tap(kSpace, 0x20 /* space */)) return kAXErrorFailure;
+    const bool checked = has(before, ATSPI_STATE_CHECKED);
+    const bool changed =
+        within(replyLimitMs() / 1000.0, [&] { return has(statesOf(object), ATSPI_STATE_CHECKED) != checked; });
+    return changed ? kAXErrorSuccess : kAXErrorFailure;
+}
+
+// Presses `object`, or the twin that can be pressed in its place, or for a
+// check box without any action, toggles it by key.
+AXError pressOrTwin(LinuxPlatform& p, AtspiAccessible* object) {
     const AXError code = press(object);
     if (code != kAXErrorActionUnsupported) return code;
-    const AccessibleRef twin = pressableTwin(object);
-    return twin ? press(twin.get()) : code;
+    if (const AccessibleRef twin = pressableTwin(object)) return press(twin.get());
+    const AtspiRole role = roleOfObject(object);
+    if (isToggleRole(role) && role != ATSPI_ROLE_CHECK_MENU_ITEM && role != ATSPI_ROLE_RADIO_MENU_ITEM) {
+        return toggleByKey(p, object);
+    }
+    return code;
 }
 
 // Asks the window system to close `window` (an AT-SPI frame or dialog): the
@@ -142,7 +195,7 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     try {
         switch (n->kind) {
             case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
-            case Node::Kind::accessible: return pressOrTwin(n->object.get());
+            case Node::Kind::accessible: return pressOrTwin(*this, n->object.get());
             default: return kAXErrorActionUnsupported;
         }
     } catch (...) {
@@ -211,7 +264,7 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     if (wanted != 0 && wanted != 1) return kAXErrorIllegalArgument;
     const bool checked = hasState(n->object.get(), ATSPI_STATE_CHECKED);
     if (checked == (wanted == 1)) return kAXErrorSuccess;
-    return press(n->object.get());
+    return pressOrTwin(*this, n->object.get());
 }
 
 SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::string_view attribute) {
