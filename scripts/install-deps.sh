@@ -27,7 +27,8 @@ desktop=(
   xvfb at-spi2-core dbus dbus-x11 matchbox-window-manager util-linux procps
   gtk-3-examples l3afpad python3-gi gir1.2-gtk-3.0 python3-pyatspi
   x11-xkb-utils  # setxkbmap: the typing tests switch keyboard layouts
-  chromium       # a web page read and driven through accessibility
+  chromium firefox-esr  # a web page read and driven through accessibility
+  libgtk-4-dev   # the GTK 4 test application
   qtbase5-dev qt6-base-dev qtbase5-examples  # the Qt test application (Qt 5 and 6); Qt applications with menus
   sway mutter weston qtwayland5 qt6-wayland  # headless Wayland sessions, and Qt on Wayland
 )

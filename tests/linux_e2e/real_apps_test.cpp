@@ -159,6 +159,9 @@ TEST_F(WidgetFactory, AStoppedApplicationStallsNothing) {
     EXPECT_LT(secondsOf([] { EXPECT_TRUE(takeJson(zeblo_get_window_text(kApp, nullptr)).contains("error")); }), 4.0);
     EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_wait_for_window(kApp, nullptr, 0, 2000)); }), 5.0);
     EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_click_button(kApp, nullptr, "Get Busy")); }), 4.0);
+    // Silent is not gone: its window is not seen to go, and it is not closed.
+    EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_wait_for_window(kApp, nullptr, 1, 2000)); }), 5.0);
+    EXPECT_LT(secondsOf([] { EXPECT_FALSE(zeblo_close_window(kApp, nullptr, 1500)); }), 5.0);
 
     ASSERT_EQ(kill(pids[0], SIGCONT), 0);
     EXPECT_TRUE(eventually([] { return zeblo_window_exists(kApp, nullptr); }, 5.0));

@@ -105,6 +105,18 @@ def pressed(_):
     report("pressed %d" % press_count[0])
 
 
+# A "Press Me" nobody sees comes first: a hidden button, and one on a page of
+# a stack that is not shown.
+hidden = Gtk.Button(label="Press Me")
+hidden.connect("clicked", lambda b: report("hidden pressed"))
+hidden.set_no_show_all(True)
+buttons.add(hidden)
+stack = Gtk.Stack()
+back = Gtk.Button(label="Press Me")
+back.connect("clicked", lambda b: report("stacked pressed"))
+stack.add_named(back, "back")
+stack.add_named(Gtk.Label(label="front page"), "front")
+buttons.add(stack)
 press = Gtk.Button(label="Press Me")
 press.connect("clicked", pressed)
 buttons.add(press)
@@ -188,5 +200,6 @@ box.pack_start(status, False, False, 0)
 
 window.add(box)
 window.show_all()
+stack.set_visible_child_name("front")
 name.grab_focus()
 Gtk.main()

@@ -84,10 +84,14 @@ int main(int argc, char** argv) {
     colour->addItems({"Red", "Green", "Blue"});
     auto* name = new QLineEdit;
     name->setPlaceholderText("Name");
+    // A "Press Me" nobody sees comes first.
+    auto* hidden = new QPushButton("Press Me");
+    QObject::connect(hidden, &QPushButton::clicked, [&] { report("hidden pressed"); });
     for (QWidget* w :
-         std::initializer_list<QWidget*>{press, disabled, opener, feature, remember, colour, name, status}) {
+         std::initializer_list<QWidget*>{hidden, press, disabled, opener, feature, remember, colour, name, status}) {
         layout->addWidget(w);
     }
+    hidden->hide();
     window.setCentralWidget(central);
     window.show();
     name->setFocus();
