@@ -379,15 +379,40 @@
 ** /proc/PID/comm.  Its focused window is its window in the active state,
 ** else its window titled like the X active window.
 **
+** What a user sees.  AT-SPI lists every element an application made, shown
+** or not; the functions see what a window shows, as a macOS window's tree
+** holds it.  Under a window, a child is kept when it is in the showing
+** state (GTK 3, Qt, the browsers' own windows); inside a web page when it
+** is in the visible state (a part scrolled out of view is still the
+** page's); for GTK 4 (which sets showing on its windows only) when it is
+** visible and, where it says, has a size (a stack's hidden page has none).
+** So hidden buttons, stack pages not shown, background tabs and the items
+** of closed menus are neither found, pressed, listed nor part of the
+** window's text: pressing a button found only hidden fails with "Button
+** 'NAME' not found in window".  The menus reached through the menu bar
+** (zeblo_get_app_menus, zeblo_menu_click...) and a popup button's menu are
+** seen whole, closed or not.  An element whose state cannot be read is
+** kept.  GTK 4 names an element that has no name after its class
+** ("GtkMenuButton", "AdwGizmo"): such a name is no title.
+**
 ** Windows and controls.  An application's windows ("AXWindows") are its
-** showing frames, dialogs, file choosers, alerts, color choosers and titled
-** popup windows, titled by their accessible name.  Roles: "AXButton" is a
+** shown frames, dialogs, file choosers, alerts, color choosers and titled
+** popup windows (for GTK 4, visible ones: it does not mark its dialogs
+** showing), titled by their accessible name.  An application that does
+** not answer within the reply limit has no window list at all (the log
+** says so): zeblo_window_exists answers false, but
+** zeblo_wait_for_window(condition 1) keeps waiting (and times out false)
+** and zeblo_close_window answers false, since a silent application is not a
+** gone one.  Roles: "AXButton" is a
 ** push button, "AXCheckBox" a check box or toggle button, "AXPopUpButton" a
 ** combo box without an entry (its "AXMenu" is its menu child),
 ** "AXTextField" / "AXTextArea" single- / multi-line text (a spin button is
 ** an "AXTextField" whose value is its text), "AXComboBox" a
 ** combo box with an entry, "AXSecureTextField" a password field,
-** "AXStaticText" a label (docs/linux-backend.md has the whole table).  A
+** "AXStaticText" a label, "AXTextArea" an editable paragraph or document
+** text (a word processor's), "AXGroup" a web page's paragraph, section or
+** quote, "AXHeading" a heading (docs/linux-backend.md has the whole table).
+** A
 ** table cell whose first action is "toggle" (a check box in a GTK tree
 ** view: a checklist) is an "AXCheckBox" checked by its checked state and,
 ** having no name of its own, titled by the first non-empty name among the
@@ -399,10 +424,17 @@
 **
 ** Actions (zeblo_menu_click, zeblo_click_button, zeblo_click_checkbox,
 ** zeblo_get_popup_menu_items).  "AXPress" and "AXPick" both run the
-** element's first action named click, press, activate or toggle (in that
-** order of preference).  An insensitive (disabled) element and one without
-** such an action refuse.  GTK runs actions asynchronously: true means the
-** action was accepted; its effect may come after the call returns.
+** element's first action named click, press, activate, toggle, check or
+** uncheck (in that order of preference, in any letter case).  An element
+** without such an action is pressed through the nearest element of the
+** same name inside it or around it that has one (GTK 4 nests a menu
+** button's push button in another of the same name).  A check box without
+** any action (GTK 4.8's) is toggled as a user would with the keyboard: its
+** window is brought to the front, Tab moves the focus until it is on the
+** check box (at most 64 times), and Space toggles it; true only once its
+** checked state changed.  An insensitive (disabled) element and one
+** without any of these refuse.  GTK runs actions asynchronously: true means
+** the action was accepted; its effect may come after the call returns.
 **
 ** zeblo_set_checkbox_value.  Only 0 and 1 are accepted; any other value
 ** fails with "Failed to perform click action".  The checkbox is pressed when
@@ -410,14 +442,24 @@
 ** already matches; an insensitive one refuses the press.
 **
 ** zeblo_close_window.  The close button sends WM_DELETE_WINDOW to the
-** process's X window whose title equals the window's, else to its only X
-** window; a press succeeds when the request is sent.  The application may
-** still keep the window (e.g. to ask about unsaved changes).
+** process's X window whose title equals the window's, else to the one that
+** covers the place on the screen where the accessibility bus puts the
+** window (more than half of the two together, the window manager's frame
+** included: an alert named "Warning" may be titled "Save Document?"), else
+** to its only X window; a press succeeds when the request is sent.  The
+** application may still keep the window (e.g. to ask about unsaved
+** changes).
 **
 ** zeblo_get_window_text.  A label gives its text as a value line
 ** ("[AXStaticText] TEXT"), not as a title.  Checkbox values are numbers and
 ** give no line.  A password field gives one U+2022 (BULLET) per character,
-** never its text.
+** never its text.  A block of a web page (paragraph, heading, section,
+** quote, list item) gives the text kept on it as its value: Firefox keeps
+** text on the block, one U+FFFC for each child inside it (a link), which
+** is given as the child's name ("[AXGroup] A paragraph with a link inside
+** it."); Chromium gives each run of text a child of its own, and the block
+** then gives no value.  Menu items' titles lose the spaces GTK 3 pads them
+** with.
 **
 ** zeblo_get_app_menus.  "checked" is the item's checked state.  "cmdChar"
 ** and "cmdModifiers" come from the accelerator of the item's key binding
@@ -486,7 +528,11 @@
 ** program (without its directory) equals it ignoring ASCII case; else the
 ** executable of a process the application list showed under NAME earlier in
 ** this process (up to 256 names remembered); else NAME itself, looked up in
-** PATH.  It is started
+** PATH.  Of the desktop entries that name it, the first that is the
+** program's main entry (its command is the program alone with at most the
+** files to open, it is not NoDisplay and no settings dialog) wins over an
+** earlier one that is not ("mousepad" starts the editor, not the entry
+** that runs "mousepad --preferences").  It is started
 ** detached through the helper (see Processes: a session of its own, adopted
 ** by init, standard input, output and error on /dev/null).  True when the
 ** program could be executed (the call waits up to 2 s to know).
@@ -519,9 +565,14 @@
 ** by then are lost).  An owner that does not answer TARGETS is asked for
 ** UTF8_STRING and STRING.  While pasting, this process owns CLIPBOARD with
 ** the text (offered as UTF8_STRING, text/plain;charset=utf-8, STRING, TEXT
-** and text/plain) and answers requests only during the call's pauses
-** (0.01 s before and 0.05 s after the Control-V): an application that asks
-** later gets nothing.  Afterwards, when anything was saved, this process
+** and text/plain) and answers requests during the call's pauses (0.01 s
+** before and 0.05 s after the Control-V), and after them until an
+** application has asked for the text's data since the Control-V (and 0.02 s
+** more, for one that asks for several types in a row), or the reply limit
+** has passed since the Control-V: then the line
+**     Paste: no application asked for the pasted text within N ms of the paste key; the clipboard is restored all the same
+** is logged.  (GTK 4 asks after the 0.05 s pause when busy, and pasted the
+** restored contents before.)  Afterwards, when anything was saved, this process
 ** owns CLIPBOARD again with every saved target under its own name, type and
 ** format, byte for byte (data over about 256 KiB is sent in INCR pieces),
 ** and starts a CLIPBOARD HOLDER (see Processes), a process with its own
@@ -532,8 +583,11 @@
 ** CLIPBOARD is left without owner.
 **
 ** Focus (zeblo_is_in_text_field, zeblo_paste_into_focused_field).  The
-** focused element is the one in the focused and showing states inside the
-** focused window of the process of the X active window.  When that window
+** focused element is one in the focused state and shown (as in "What a user
+** sees") inside the focused window of the process of the X active window;
+** of several (Qt marks a page tab and a viewport focused beside its editor,
+** and keeps the focus of a closed combo box's list), the first focusable
+** one, the nearest to the window first.  When that window
 ** shows nothing focused, the X input focus is moved to the root window and
 ** back and the question is asked again for up to about 0.16 s (a window with
 ** nothing focusable pays this on every such call).  "AXSearchField" does not
