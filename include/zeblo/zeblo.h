@@ -636,8 +636,10 @@
 ** process of the frame in the active state (sway: else sway's focused
 ** window).  Restored clipboard contents are served after a paste by the
 ** clipboard holder through the same interface (zeblo-helper hold wayland
-** or hold mutter).  Under mutter, a clipboard that another application
-** set before the paste is not yet put back reliably.
+** or hold mutter).  mutter keeps a copy of the text of every clipboard
+** owner and offers it again when the clipboard is left without one: to
+** leave the clipboard empty, the library first sets it to an owner that
+** offers only the type application/x-zeblo-nothing, then clears it.
 **
 ** LINUX: WHAT IS KEPT, AND THE LOCK
 **

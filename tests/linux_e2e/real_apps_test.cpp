@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "e2e_support.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -69,6 +70,15 @@ TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
         << text();
     ASSERT_TRUE(zeblo_send_keystroke(kApp, "v", kCommand));
     EXPECT_TRUE(eventually([] { return text().find("| Hello from the keyboard") != std::string::npos; })) << text();
+
+    // An empty clipboard is left empty (GNOME's compositor would offer its
+    // copy of the pasted text again).
+    zeblo::platform::Platform& desktop = zeblo::platform::current();
+    ASSERT_TRUE(desktop.setPasteboardString("x", zeblo::platform::kPasteboardTypeString));
+    desktop.clearPasteboard();
+    ASSERT_TRUE(zeblo_paste_text(" | once"));
+    ASSERT_TRUE(eventually([] { return text().find("| once") != std::string::npos; })) << text();
+    EXPECT_EQ(desktop.pasteboardItems().value_or(std::vector<zeblo::platform::PasteboardItem>{1}).size(), 0u);
 
     // The editor's undo goes through its own binding.
     EXPECT_TRUE(zeblo_send_keystroke(kApp, "z", kCommand));

@@ -21,6 +21,8 @@ namespace {
 
 constexpr const char* kService = "org.gnome.Mutter.RemoteDesktop";
 constexpr const char* kSessionInterface = "org.gnome.Mutter.RemoteDesktop.Session";
+// A type no application asks for (mutter's clipboard keeps only text and images).
+constexpr const char* kUncopiedType = "application/x-zeblo-nothing";
 
 // The dead keys that type a character followed by a space.
 constexpr std::pair<KeySym, KeySym> kDeadKeys[] = {{XK_asciicircum, XK_dead_circumflex},
@@ -42,7 +44,8 @@ bool appendString(DBusMessageIter& args, const std::string& text) {
     return dbus_message_iter_append_basic(&args, DBUS_TYPE_STRING, &value);
 }
 
-// An a{sv} with `mimeTypes` under "mime-types" (none: an empty dictionary).
+// An a{sv} with `mimeTypes` under "mime-types" (none: an empty dictionary,
+// which SetSelection takes as "no owner").
 bool appendOptions(DBusMessageIter& args, const std::vector<std::string>* mimeTypes) {
     DBusMessageIter dict, entry, variant, list;
     if (!dbus_message_iter_open_container(&args, DBUS_TYPE_ARRAY, "{sv}", &dict)) return false;
@@ -272,7 +275,12 @@ void RemoteDesktop::handle(DBusMessage* message) {
         bool ours = false;
         std::vector<std::string> types;
         readOwner(message, types, ours);
-        if (!ours) {
+        // mutter tells of our own SetSelection before it answers it; a
+        // change it told of before that echo was overtaken by ours, even
+        // when it is read after SetSelection's answer.
+        if (ours) {
+            echoDue_ = false;
+        } else if (!echoDue_) {
             ownerTypes_ = std::move(types);
             owner_ = false;
             offers_.clear();
@@ -350,15 +358,23 @@ bool RemoteDesktop::own(Offers offers) {
     }
     offers_ = std::move(offers);
     owner_ = static_cast<bool>(call("SetSelection", [&](DBusMessageIter& args) { return appendOptions(args, &types); }));
+    echoDue_ = owner_;
+    // What mutter sent before its answer: the echo, and what came before it.
+    serve(0);
     return owner_;
 }
 
+// Whoever set the clipboard, it is left empty. Only our own selection can
+// be unset, and mutter keeps a copy of every owner's text to offer again
+// when the clipboard is left without an owner: an owner offering nothing it
+// copies comes first.
 void RemoteDesktop::disown() {
-    if (!owner_) return;
-    call("SetSelection", [](DBusMessageIter& args) {
-        const std::vector<std::string> none;
-        return appendOptions(args, &none);
-    });
+    const std::vector<std::string> uncopied{kUncopiedType};
+    offers_.clear();
+    echoDue_ = static_cast<bool>(
+        call("SetSelection", [&](DBusMessageIter& args) { return appendOptions(args, &uncopied); }));
+    serve(0);
+    call("SetSelection", [](DBusMessageIter& args) { return appendOptions(args, nullptr); });
     forget();
 }
 

@@ -78,6 +78,7 @@ private:
     bool clipboardOn_ = false;
     std::vector<std::string> ownerTypes_;  // the other owner's types, from SelectionOwnerChanged
     bool owner_ = false;
+    bool echoDue_ = false;  // SetSelection made us the owner; its SelectionOwnerChanged is not yet read
     Offers offers_;
 };
 

@@ -171,7 +171,7 @@ bool DataControlClipboard::own(Offers offers) {
 }
 
 void DataControlClipboard::disown() {
-    if (owns() && device_) zwlr_data_control_device_v1_set_selection(device_.get(), nullptr);
+    if (device_) zwlr_data_control_device_v1_set_selection(device_.get(), nullptr);
     forget();
     display_.roundtrip(kCompositorSeconds);
 }

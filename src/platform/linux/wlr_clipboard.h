@@ -40,7 +40,7 @@ public:
     Offers read();
     // Sets the clipboard to `offers`; false when the compositor did not take it.
     bool own(Offers offers);
-    // Clears the clipboard (no selection), when we own it.
+    // Clears the clipboard (no selection), whoever set it.
     void disown();
     // Forgets our offers without clearing: the holder has taken over.
     void forget();
