@@ -213,8 +213,22 @@ bool SelectionServer::own(Offers offers) {
     offers_ = std::move(offers);
     XSetSelectionOwner(display_, selection_, window_, CurrentTime);
     owns_ = XGetSelectionOwner(display_, selection_) == window_;
-    if (!owns_) offers_.clear();
-    return owns_;
+    if (!owns_) {
+        offers_.clear();
+        return false;
+    }
+    // A SelectionClear read by now was sent before we took the selection
+    // (our own clearing just before sends one): it is not about this
+    // ownership.
+    XEvent stale;
+    const auto isClear = [](Display*, XEvent* event, XPointer self) {
+        const auto* server = reinterpret_cast<const SelectionServer*>(self);
+        return Bool(event->type == SelectionClear && event->xselectionclear.window == server->window_ &&
+                    event->xselectionclear.selection == server->selection_);
+    };
+    while (XCheckIfEvent(display_, &stale, isClear, reinterpret_cast<XPointer>(this))) {
+    }
+    return true;
 }
 
 void SelectionServer::disown() {
