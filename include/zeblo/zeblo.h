@@ -634,9 +634,12 @@
 ** The first keyboard call of the process pauses about 0.15 s while the
 ** applications take the new keyboard.  The frontmost application is the
 ** process of the frame in the active state (sway: else sway's focused
-** window).  Restored clipboard contents are served after a paste by the
-** clipboard holder through the same interface (zeblo-helper hold wayland
-** or hold mutter).  mutter keeps a copy of the text of every clipboard
+** window).  A paste keeps the clipboard until an application asks for the
+** text, as under X11 (a request for the data of the library's own
+** selection after the Control-V; mutter's own copy of each new clipboard,
+** taken as soon as it is set, does not count).  Restored clipboard
+** contents are served after a paste by the clipboard holder through the
+** same interface (zeblo-helper hold wayland or hold mutter).  mutter keeps a copy of the text of every clipboard
 ** owner and offers it again when the clipboard is left without one: to
 ** leave the clipboard empty, the library first sets it to an owner that
 ** offers only the type application/x-zeblo-nothing, then clears it.

@@ -1,11 +1,14 @@
 // End-to-end tests against our own GTK test application (testapp.py): menus,
 // buttons, checkboxes, the combo box, text fields and a dialog.
+#include <signal.h>
+
 #include <cstdlib>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "e2e_support.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -207,6 +210,35 @@ TEST_F(TestApp, TypingAndDirectEntryReachTheFocusedField) {
     ASSERT_TRUE(zeblo_type_text(" + typed", true));
     EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, " + typed"); })) << windowText(kApp, kWindow);
     EXPECT_FALSE(zeblo_type_text("\xC3\xA9", false));  // not on a US keyboard
+}
+
+// An application that gets to the paste key late (stopped for 0.3 s) still
+// pastes the pasted text, not the clipboard given back after it, which is
+// back once the paste is done.
+TEST_F(TestApp, ALatePasteStillPastesTheText) {
+    zeblo::platform::Platform& desktop = zeblo::platform::current();
+    pid_t pid = 0;
+    for (const zeblo::platform::RunningApp& app : desktop.runningApplications()) {
+        if (app.localizedName == kApp) pid = app.pid;
+    }
+    ASSERT_GT(pid, 0);
+    ASSERT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
+    ASSERT_TRUE(zeblo_paste_into_focused_field("", false));
+    ASSERT_TRUE(desktop.setPasteboardString("before", zeblo::platform::kPasteboardTypeString));
+    ASSERT_EQ(kill(pid, SIGSTOP), 0);
+    std::thread resume([pid] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        kill(pid, SIGCONT);
+    });
+    EXPECT_TRUE(zeblo_paste_text("pasted late"));
+    resume.join();
+    EXPECT_TRUE(eventually([] { return windowTextHas(kApp, kWindow, "[AXTextField] pasted late\n"); }))
+        << windowText(kApp, kWindow);
+    const auto items = desktop.pasteboardItems();
+    ASSERT_TRUE(items && items->size() == 1);
+    const std::optional<zeblo::platform::Bytes>& text = (*items)[0].entries.at(0).second;
+    ASSERT_TRUE(text);
+    EXPECT_EQ(std::string(text->begin(), text->end()), "before");
 }
 
 // Every character typing takes arrives as written, the first one included.

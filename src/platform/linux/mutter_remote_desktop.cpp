@@ -160,18 +160,23 @@ std::unique_ptr<RemoteDesktop> RemoteDesktop::open(WaylandDisplay* display) {
     const std::string rule = "type='signal',interface='" + std::string(kSessionInterface) + "',path='" +
                              self->session_ + "'";
     dbus_bus_add_match(self->bus_.get(), rule.c_str(), nullptr);
-    if (!self->call("Start", nullptr)) return nullptr;
+    // Keys need a started session; the clipboard does not (the holder).
+    if (display != nullptr && !self->call("Start", nullptr)) return nullptr;
     // From now on every change of the clipboard's owner is signalled, with
     // the types it offers.
     self->clipboardOn_ = static_cast<bool>(
         self->call("EnableClipboard", [](DBusMessageIter& args) { return appendOptions(args, nullptr); }));
-    // A seat that had no keyboard gets one now; its clients take a moment
-    // to ask for it, and keys before that are lost.
     if (display != nullptr) {
+        // mutter makes the session's keyboard at its first key press; a
+        // keysym no key gives (NoSymbol) makes it without typing anything.
+        // A seat that had no keyboard has one now, and its clients take a
+        // moment to ask for it: keys before that are lost.
+        self->keysym(0, true);
+        self->keysym(0, false);
         display->dispatchUntil([&] { return display->seatHasKeyboard(); }, monotonicSeconds() + 1.0);
         display->roundtrip(1.0);
+        usleep(static_cast<useconds_t>(kSettleSeconds * 1e6));
     }
-    usleep(static_cast<useconds_t>(kSettleSeconds * 1e6));
     return self;
 }
 
@@ -301,6 +306,7 @@ void RemoteDesktop::transfer(const std::string& type, std::uint32_t serial) {
         std::find_if(offers_.begin(), offers_.end(), [&](const Offer& o) { return o.target == type; });
     bool written = false;
     if (offer != offers_.end()) {
+        ++answered_;
         const Fd fd = replyFd(call("SelectionWrite", [&](DBusMessageIter& args) {
             const dbus_uint32_t value = serial;
             return dbus_message_iter_append_basic(&args, DBUS_TYPE_UINT32, &value);

@@ -38,7 +38,8 @@ using BusMessage = Owned<DBusMessage, dbus_message_unref>;
 class RemoteDesktop {
 public:
     // Null when the session bus has no mutter remote desktop or it refuses a
-    // session. `display` (may be null) gives the layout.
+    // session. `display` gives the layout and is where the keyboard shows;
+    // without it (the clipboard holder) the session serves the clipboard only.
     static std::unique_ptr<RemoteDesktop> open(WaylandDisplay* display);
     static constexpr double kSettleSeconds = 0.15;
 
@@ -58,6 +59,10 @@ public:
     void forget() { offers_.clear(), owner_ = false; }
     bool owns() const { return owner_; }
     const Offers& offers() const { return offers_; }
+    // How many requests for our offers' data (SelectionTransfer) have been
+    // answered. mutter's own clipboard asks for the text of every new owner
+    // at once: that request is answered within own().
+    std::uint64_t answered() const { return answered_; }
     void serve(double seconds);
 
 private:
@@ -80,6 +85,7 @@ private:
     bool owner_ = false;
     bool echoDue_ = false;  // SetSelection made us the owner; its SelectionOwnerChanged is not yet read
     Offers offers_;
+    std::uint64_t answered_ = 0;
 };
 
 }  // namespace zeblo::platform::linux_desktop

@@ -220,8 +220,14 @@ bool WaylandSession::requestClose(std::int32_t pid, const std::string& title, co
 
 // --- The clipboard
 
-bool WaylandSession::ownsClipboard() const {
+bool WaylandSession::ownsClipboard() {
+    serve(0);
     return mutter_ ? mutter_->owns() : clipboard_ && clipboard_->owns();
+}
+
+std::uint64_t WaylandSession::clipboardDataAnswered() const {
+    if (mutter_) return mutter_->answered();
+    return clipboard_ ? clipboard_->answered() : 0;
 }
 
 Offers WaylandSession::readClipboard() {

@@ -52,6 +52,8 @@ public:
     void disown() override;
     bool handToHolder() override;
     void serve(double seconds) override;
+    bool ownsClipboard() override;
+    std::uint64_t clipboardDataAnswered() const override;
 
     // Which mechanisms this session uses, for the backend's notes.
     std::string describe() const;
@@ -60,7 +62,6 @@ private:
     WaylandSession() = default;
     // The active frame of any registered application, with its process.
     std::optional<std::pair<std::int32_t, AccessibleRef>> activeFrame();
-    bool ownsClipboard() const;
 
     std::unique_ptr<WaylandDisplay> display_;
     std::unique_ptr<RemoteDesktop> mutter_;

@@ -184,7 +184,9 @@ void DataControlClipboard::forget() {
 
 void DataControlClipboard::write(const std::string& type, int fd) {
     for (const Offer& offer : offers_) {
-        if (offer.target == type) return writeAll(fd, *offer.data);
+        if (offer.target != type) continue;
+        ++answered_;
+        return writeAll(fd, *offer.data);
     }
 }
 

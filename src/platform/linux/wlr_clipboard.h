@@ -7,6 +7,7 @@
 // holder (zeblo-helper hold wayland) serves restored contents after a call.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,6 +47,8 @@ public:
     void forget();
     bool owns() const { return source_ != nullptr; }
     const Offers& offers() const { return offers_; }
+    // How many requests for our offers' data have been answered.
+    std::uint64_t answered() const { return answered_; }
     // Answers requests for our offers for `seconds` (0: those waiting now).
     void serve(double seconds);
 
@@ -68,6 +71,7 @@ private:
     std::unique_ptr<PendingOffer> selection_;             // the current selection, if another client's
     Owned<zwlr_data_control_source_v1, destroyDataSource> source_;  // ours, while we own the clipboard
     Offers offers_;
+    std::uint64_t answered_ = 0;
 };
 
 }  // namespace zeblo::platform::linux_desktop
