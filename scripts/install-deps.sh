@@ -30,7 +30,7 @@ desktop=(
   chromium firefox-esr  # a web page read and driven through accessibility
   libgtk-4-dev   # the GTK 4 test application
   qtbase5-dev qt6-base-dev qtbase5-examples  # the Qt test application (Qt 5 and 6); Qt applications with menus
-  sway mutter weston qtwayland5 qt6-wayland  # headless Wayland sessions, and Qt on Wayland
+  sway mutter weston kwin-wayland qtwayland5 qt6-wayland  # headless Wayland sessions, and Qt on Wayland
 )
 packages=("${build[@]}" "${tests[@]}")
 extra=()

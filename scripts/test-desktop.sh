@@ -8,11 +8,12 @@ scripts/install-deps.sh --desktop
 BUILD_DIR=${BUILD_DIR:-build} scripts/build.sh
 scripts/desktop-session.sh "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 "$@"
 # The same applications natively on Wayland, with no X server, under sway
-# (wlroots) and mutter (GNOME): the cases that do not need X11's own tools.
-# weston offers no way to send keys: the keyboard calls fail with the reason.
+# (wlroots), mutter (GNOME) and KWin (KDE): the cases that do not need X11's
+# own tools. weston offers no way to send keys: the keyboard calls fail with
+# the reason.
 if [ $# -eq 0 ]; then
-  both="TestApp.*:*QtApp*:L3afpad.*"
-  for run in "sway:$both" "mutter:$both" "weston:WaylandSession.*"; do
+  all="TestApp.*:*QtApp*:L3afpad.*"
+  for run in "sway:$all" "mutter:$all" "kwin:$all" "weston:WaylandSession.*"; do
     echo "== end to end on Wayland (${run%%:*})"
     scripts/wayland-session.sh "${run%%:*}" "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 \
       --gtest_filter="${run#*:}"

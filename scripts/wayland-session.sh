@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs CMD... inside a headless Wayland session with no X server: a
-# compositor (sway, mutter or weston, without a GPU), a session bus and the
+# compositor (sway, mutter, weston or KWin, without a GPU), a session bus and the
 # accessibility bus, with their own HOME and XDG_RUNTIME_DIR. Applications
 # started in it run natively on Wayland (GDK_BACKEND=wayland,
 # QT_QPA_PLATFORM=wayland). The session ends with CMD and exits with its
@@ -10,12 +10,15 @@
 # sway will not run as root: run as root, the session (CMD included) runs as
 # the unprivileged user nobody, which must be able to read CMD and its files.
 #
-#   scripts/wayland-session.sh sway|mutter|weston CMD [ARG...]
+# Under KWin, CMD's program is trusted with KWin's fake input (a desktop
+# file in the session's HOME says so).
+#
+#   scripts/wayland-session.sh sway|mutter|weston|kwin CMD [ARG...]
 set -euo pipefail
-[ $# -gt 1 ] || { echo "usage: $0 sway|mutter|weston CMD [ARG...]" >&2; exit 2; }
+[ $# -gt 1 ] || { echo "usage: $0 sway|mutter|weston|kwin CMD [ARG...]" >&2; exit 2; }
 compositor=$1
 shift
-case "$compositor" in sway | mutter | weston) ;; *) echo "unknown compositor: $compositor" >&2; exit 2 ;; esac
+case "$compositor" in sway | mutter | weston | kwin) ;; *) echo "unknown compositor: $compositor" >&2; exit 2 ;; esac
 self=$(readlink -f "$0")
 
 if [ "${ZEBLO_WAYLAND_STAGE:-}" = "" ]; then
@@ -54,6 +57,22 @@ case "$compositor" in
     ;;
   mutter) mutter --wayland --headless --no-x11 --virtual-monitor 1280x720 >"$tmp/run/compositor.log" 2>&1 & ;;
   weston) weston --backend=headless-backend.so >"$tmp/run/compositor.log" 2>&1 & ;;
+  kwin)
+    # KWin announces fake input only to programs a desktop file trusts with
+    # it: CMD's program is (as a user would allow a host).
+    program=$(readlink -f "$(command -v "$1")")
+    mkdir -p "$HOME/.local/share/applications"
+    printf '[Desktop Entry]\nType=Application\nName=ZEBLOui host\nNoDisplay=true\nExec=%s\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n' \
+      "$program" >"$HOME/.local/share/applications/zeblo-host.desktop"
+    # KWin looks the desktop file up in KDE's service cache: built now, not
+    # while a client waits for KWin's first answer.
+    kbuildsycoca5 --noincremental >/dev/null 2>&1 || true
+    # A copy without the file capability (cap_sys_resource) the installed
+    # binary carries: exec refuses it where the capability bounding set
+    # lacks it (containers), and a headless session needs none.
+    cp /usr/bin/kwin_wayland "$tmp/run/kwin_wayland"
+    "$tmp/run/kwin_wayland" --virtual --no-lockscreen --width 1280 --height 720 >"$tmp/run/compositor.log" 2>&1 &
+    ;;
 esac
 compositor_pid=$!
 for _ in $(seq 1 200); do
@@ -70,6 +89,14 @@ if [ "$compositor" = sway ]; then
     sleep 0.05
   done
   export SWAYSOCK
+fi
+if [ "$compositor" = kwin ]; then
+  # KWin makes its socket before it answers on it: wait for its bus name.
+  for _ in $(seq 1 200); do
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner \
+      string:org.kde.KWin 2>/dev/null | grep -q "boolean true" && break
+    sleep 0.05
+  done
 fi
 /usr/libexec/at-spi-bus-launcher --launch-immediately >"$tmp/run/atspi.log" 2>&1 &
 status=0

@@ -626,11 +626,22 @@
 **     US keys), so typed text is right whatever the user's layout; the
 **     clipboard through data control (zwlr_data_control_manager_v1);
 **     focusing and closing windows (sway) through sway's IPC (SWAYSOCK).
-**   - KDE (KWin) and compositors with neither (weston): no way to send
-**     keys is used; every keyboard function fails after the line
+**   - KDE (KWin): keys through KWin's fake input (org_kde_kwin_fake_input),
+**     which KWin announces only to programs the user trusts with it: a
+**     desktop file (e.g. in ~/.local/share/applications) whose Exec is the
+**     HOST's executable and whose X-KDE-Wayland-Interfaces lists
+**     org_kde_kwin_fake_input.  KWin types key codes on its own layout (its
+**     first one), so each character is looked up there and typed with the
+**     Shift and AltGr keys its level needs; one the layout has only as a
+**     dead key is the dead key and a space, one it lacks is skipped with the
+**     Keyboard line above.  The clipboard through data control, windows as
+**     under mutter.
+**   - Compositors with none of these (weston), and KWin for a host without
+**     that desktop file: no way to send keys; every keyboard function fails
+**     after the line
 **         Keyboard: no way to send keys in this Wayland session: ...
-**     (saying what was looked for and what to run instead), and
-**     zeblo_paste_text leaves the clipboard untouched.
+**     (saying what was looked for, and under KWin which program to allow),
+**     and zeblo_paste_text leaves the clipboard untouched.
 ** The first keyboard call of the process pauses about 0.15 s while the
 ** applications take the new keyboard.  The frontmost application is the
 ** process of the frame in the active state (sway: else sway's focused

@@ -13,6 +13,7 @@
 #include <cerrno>
 
 #include "platform/linux/detach.h"
+#include "platform/linux/layout_keys.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -23,13 +24,6 @@ constexpr const char* kService = "org.gnome.Mutter.RemoteDesktop";
 constexpr const char* kSessionInterface = "org.gnome.Mutter.RemoteDesktop.Session";
 // A type no application asks for (mutter's clipboard keeps only text and images).
 constexpr const char* kUncopiedType = "application/x-zeblo-nothing";
-
-// The dead keys that type a character followed by a space.
-constexpr std::pair<KeySym, KeySym> kDeadKeys[] = {{XK_asciicircum, XK_dead_circumflex},
-                                                   {XK_grave, XK_dead_grave},
-                                                   {XK_asciitilde, XK_dead_tilde},
-                                                   {XK_quotedbl, XK_dead_diaeresis},
-                                                   {XK_apostrophe, XK_dead_acute}};
 
 struct BusError {
     DBusError error;
@@ -239,10 +233,8 @@ bool RemoteDesktop::press(std::uint16_t id, const KeyRequest& request) {
         syms.push_back(XK_Shift_L);
     }
     if (!typeable(sym)) {
-        KeySym dead = 0;
-        for (const auto& [character, deadKey] : kDeadKeys) {
-            if (character == sym && typeable(deadKey)) dead = deadKey;
-        }
+        KeySym dead = deadKeyFor(sym);
+        if (dead != 0 && !typeable(dead)) dead = 0;
         if (dead == 0) {
             missing_ = sym;
             return false;

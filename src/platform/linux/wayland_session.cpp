@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <deque>
+#include <filesystem>
 
 #include "platform/linux/accessible.h"
 #include "platform/linux/app_list.h"
@@ -24,6 +25,13 @@ constexpr std::uint16_t kF4 = 118;  // the library's key codes
 constexpr std::uint16_t kTab = 48;
 constexpr double kActivationSeconds = 0.15;
 constexpr int kSwitchSteps = 8;  // windows tried at most
+
+// This program's executable, as a compositor sees it.
+std::string programPath() {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string("this program") : path.string();
+}
 
 // The shown windows of `app` (none when they cannot be read).
 std::vector<AccessibleRef> framesOf(AtspiAccessible* app) {
@@ -86,18 +94,25 @@ std::unique_ptr<WaylandSession> WaylandSession::open() {
     WaylandDisplay& display = *self->display_;
     self->mutter_ = RemoteDesktop::open(&display);
     if (!self->mutter_) {
-        if (display.offers("zwp_virtual_keyboard_manager_v1")) self->keyboard_ = VirtualKeyboard::open(display);
+        if (display.offers("zwp_virtual_keyboard_manager_v1")) {
+            self->keyboard_ = VirtualKeyboard::open(display);
+        } else if (display.offers("org_kde_kwin_fake_input")) {
+            self->fakeInput_ = FakeInputKeyboard::open(display);
+        }
         if (display.offers("zwlr_data_control_manager_v1")) self->clipboard_ = DataControlClipboard::open(display);
     }
-    if (!self->mutter_ && !self->keyboard_) {
+    if (!self->mutter_ && !self->keyboard_ && !self->fakeInput_) {
         self->keysMissing_ =
             "Keyboard: no way to send keys in this Wayland session: the compositor offers no virtual keyboard "
-            "(zwp_virtual_keyboard_v1) and the session bus no mutter remote desktop "
-            "(org.gnome.Mutter.RemoteDesktop)";
-        if (display.offers("org_kde_kwin_fake_input")) {
-            self->keysMissing_ += ", and KWin's fake input (org_kde_kwin_fake_input) is not used";
+            "(zwp_virtual_keyboard_v1) and no fake input (org_kde_kwin_fake_input), and the session bus no mutter "
+            "remote desktop (org.gnome.Mutter.RemoteDesktop)";
+        if (display.offers("org_kde_plasma_shell") || display.offers("org_kde_kwin_server_decoration_manager")) {
+            // KWin announces fake input only to the programs it was told to trust.
+            self->keysMissing_ += "; KWin lets a program use fake input when a desktop file whose Exec is " +
+                                  programPath() + " lists org_kde_kwin_fake_input under X-KDE-Wayland-Interfaces";
+        } else {
+            self->keysMissing_ += "; run sway (or another wlroots compositor), GNOME or KDE, or an X11 session";
         }
-        self->keysMissing_ += "; run sway (or another wlroots compositor) or GNOME, or an X11 session";
     }
     return self;
 }
@@ -106,12 +121,13 @@ WaylandSession::~WaylandSession() {
     // Protocol objects go before the connection they belong to.
     clipboard_.reset();
     keyboard_.reset();
+    fakeInput_.reset();
     mutter_.reset();
 }
 
 std::string WaylandSession::describe() const {
     if (mutter_) return "mutter's remote desktop";
-    std::string out = keyboard_ ? "a virtual keyboard" : "no keyboard";
+    std::string out = keyboard_ ? "a virtual keyboard" : fakeInput_ ? "KWin's fake input" : "no keyboard";
     out += clipboard_ ? " and data control" : " and no clipboard";
     return out;
 }
@@ -120,17 +136,20 @@ std::string WaylandSession::describe() const {
 
 bool WaylandSession::press(std::uint16_t id, const KeyRequest& key) {
     if (mutter_) return mutter_->press(id, key);
+    if (fakeInput_) return fakeInput_->press(id, key);
     return keyboard_ && keyboard_->press(id, key);
 }
 
 void WaylandSession::release(std::uint16_t id) {
     if (mutter_) mutter_->release(id);
     if (keyboard_) keyboard_->release(id);
+    if (fakeInput_) fakeInput_->release(id);
 }
 
 void WaylandSession::modifierKey(Modifier modifier, bool down) {
     if (mutter_) mutter_->modifierKey(modifier, down);
     if (keyboard_) keyboard_->modifierKey(modifier, down);
+    if (fakeInput_) fakeInput_->modifierKey(modifier, down);
 }
 
 // --- Windows

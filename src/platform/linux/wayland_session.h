@@ -1,9 +1,9 @@
 // A Wayland session. The compositor's own ways of sending keys are tried in
 // this order: mutter's remote desktop session (GNOME), wlroots' virtual
-// keyboard (sway and other wlroots compositors); the clipboard goes through
-// the same mechanism (mutter's session, or wlroots' data control). Without
-// any, every keyboard call fails with one log line saying why (keysMissing)
-// and the clipboard is left alone.
+// keyboard (sway and other wlroots compositors), KWin's fake input (KDE);
+// the clipboard goes through mutter's session, else data control (wlroots,
+// KWin). Without any way to send keys, every keyboard call fails with one
+// log line saying why (keysMissing) and the clipboard is left alone.
 //
 // Windows come from the accessibility bus: the active window is the frame in
 // the active state, its process the application's. sway's IPC gives the
@@ -20,6 +20,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/linux/kwin_keyboard.h"
 #include "platform/linux/mutter_remote_desktop.h"
 #include "platform/linux/owned.h"
 #include "platform/linux/session.h"
@@ -66,6 +67,7 @@ private:
     std::unique_ptr<WaylandDisplay> display_;
     std::unique_ptr<RemoteDesktop> mutter_;
     std::unique_ptr<VirtualKeyboard> keyboard_;
+    std::unique_ptr<FakeInputKeyboard> fakeInput_;
     std::unique_ptr<DataControlClipboard> clipboard_;
     std::optional<SwayIpc> sway_;
     std::string keysMissing_;
