@@ -3,7 +3,6 @@
 #include "platform/linux/kwin_keyboard.h"
 
 #include <X11/keysym.h>
-#include <linux/input-event-codes.h>
 
 #include "platform/linux/detach.h"
 #include "platform/linux/layout_keys.h"
