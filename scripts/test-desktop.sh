@@ -18,6 +18,12 @@ if [ $# -eq 0 ]; then
     scripts/wayland-session.sh "${run%%:*}" "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 \
       --gtest_filter="${run#*:}"
   done
+  # Typing and key equivalents under a German layout set in the compositor.
+  for compositor in sway mutter kwin; do
+    echo "== end to end on Wayland ($compositor, German layout)"
+    ZEBLO_WAYLAND_LAYOUT=de scripts/wayland-session.sh "$compositor" "${BUILD_DIR:-build}/tests/test_linux_e2e" \
+      --gtest_brief=1 --gtest_filter="TestApp.EveryTypeable*:TestApp.TypingAnd*:TestApp.TypingFollows*:L3afpad.Typing*"
+  done
 fi
 examples="/usr/lib/$(gcc -print-multiarch)/qt5/examples/widgets/mainwindows"
 if [ $# -eq 0 ] && [ -x "$examples/menus/menus" ]; then

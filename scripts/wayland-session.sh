@@ -11,7 +11,9 @@
 # the unprivileged user nobody, which must be able to read CMD and its files.
 #
 # Under KWin, CMD's program is trusted with KWin's fake input (a desktop
-# file in the session's HOME says so).
+# file in the session's HOME says so). ZEBLO_WAYLAND_LAYOUT (e.g. de) gives
+# the compositor that keyboard layout (sway and KWin from their settings,
+# mutter from a stand-in for localed, scripts/locale1.py).
 #
 #   scripts/wayland-session.sh sway|mutter|weston|kwin CMD [ARG...]
 set -euo pipefail
@@ -49,13 +51,25 @@ fi
 # Inside the session bus, as the session's user.
 tmp=$ZEBLO_WAYLAND_TMP
 export XDG_SESSION_TYPE=wayland GDK_BACKEND=wayland QT_QPA_PLATFORM=wayland ZEBLO_WAYLAND_COMPOSITOR=$compositor
+layout=${ZEBLO_WAYLAND_LAYOUT:-}
 case "$compositor" in
   sway)
     printf 'xwayland disable\noutput HEADLESS-1 resolution 1280x720\n' >"$tmp/run/sway.conf"
+    [ -z "$layout" ] || printf 'input type:keyboard xkb_layout %s\n' "$layout" >>"$tmp/run/sway.conf"
     WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman \
       sway -c "$tmp/run/sway.conf" >"$tmp/run/compositor.log" 2>&1 &
     ;;
-  mutter) mutter --wayland --headless --no-x11 --virtual-monitor 1280x720 >"$tmp/run/compositor.log" 2>&1 & ;;
+  mutter)
+    system=()
+    if [ -n "$layout" ]; then
+      # mutter takes its layout from localed on the system bus: a stand-in
+      # on the session bus, which mutter is given as its system bus.
+      coproc locale1 { exec "$(dirname "$self")/locale1.py" "$layout"; }
+      read -r -t 10 _ <&"${locale1[0]}"
+      system=(env DBUS_SYSTEM_BUS_ADDRESS="$DBUS_SESSION_BUS_ADDRESS")
+    fi
+    "${system[@]}" mutter --wayland --headless --no-x11 --virtual-monitor 1280x720 >"$tmp/run/compositor.log" 2>&1 &
+    ;;
   weston) weston --backend=headless-backend.so >"$tmp/run/compositor.log" 2>&1 & ;;
   kwin)
     # KWin announces fake input only to programs a desktop file trusts with
@@ -71,6 +85,10 @@ case "$compositor" in
     # binary carries: exec refuses it where the capability bounding set
     # lacks it (containers), and a headless session needs none.
     cp /usr/bin/kwin_wayland "$tmp/run/kwin_wayland"
+    if [ -n "$layout" ]; then
+      mkdir -p "$HOME/.config"
+      printf '[Layout]\nUse=true\nLayoutList=%s\n' "$layout" >"$HOME/.config/kxkbrc"
+    fi
     "$tmp/run/kwin_wayland" --virtual --no-lockscreen --width 1280 --height 720 >"$tmp/run/compositor.log" 2>&1 &
     ;;
 esac

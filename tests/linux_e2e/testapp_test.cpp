@@ -254,14 +254,21 @@ TEST_F(TestApp, EveryTypeableCharacterArrives) {
 
 // Typed text arrives as written under a German and a French layout, the
 // shifted and AltGr symbols and the dead-key ones included, and keystrokes
-// still reach the menu accelerators.
+// still reach the menu accelerators. A Wayland session keeps the layout it
+// was started with (wayland-session.sh's ZEBLO_WAYLAND_LAYOUT).
 TEST_F(TestApp, TypingFollowsTheActiveLayout) {
-    if (onWayland()) GTEST_SKIP() << "the layout is switched with setxkbmap";
+    const char* sessionLayout = std::getenv("ZEBLO_WAYLAND_LAYOUT");
+    if (onWayland() && sessionLayout == nullptr) GTEST_SKIP() << "the session has the US layout";
     const std::string typed = "a@yz/Q-1 {[|]}\\#$%&*+=?!<>;:_\"'^`~";
-    for (const char* layout : {"de", "fr"}) {
-        ASSERT_EQ(std::system((std::string("setxkbmap ") + layout).c_str()), 0);
-        const std::unique_ptr<const char, void (*)(const char*)> restore(
-            "us", [](const char*) { EXPECT_EQ(std::system("setxkbmap us"), 0); });
+    for (const char* layout : onWayland() ? std::vector<const char*>{sessionLayout} : std::vector{"de", "fr"}) {
+        if (!onWayland()) {
+            ASSERT_EQ(std::system((std::string("setxkbmap ") + layout).c_str()), 0);
+        }
+        const std::unique_ptr<const char, void (*)(const char*)> restore("us", [](const char*) {
+            if (!onWayland()) {
+                EXPECT_EQ(std::system("setxkbmap us"), 0);
+            }
+        });
         ASSERT_TRUE(eventually([] { return zeblo_is_in_text_field(); }));
         ASSERT_TRUE(zeblo_paste_into_focused_field("", false));
         ASSERT_TRUE(zeblo_type_text(typed.c_str(), false));
