@@ -50,8 +50,8 @@ TEST_F(L3afpad, MenusAreReadAndChosen) {
 
 TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
     ASSERT_TRUE(zeblo_is_in_text_field());
-    ASSERT_TRUE(zeblo_type_text("Hello from the keyboard", false));
-    ASSERT_TRUE(eventually([] { return text().find("[AXTextArea] Hello from the keyboard") != std::string::npos; }))
+    ASSERT_TRUE(zeblo_type_text("Hello\tfrom the keyboard\n", false));
+    ASSERT_TRUE(eventually([] { return text().find("[AXTextArea] Hello\tfrom the keyboard\n") != std::string::npos; }))
         << text();
 
     // Put the typed text on the clipboard the editor's own way. Key events
@@ -62,14 +62,14 @@ TEST_F(L3afpad, TypingPastingAndTheRestoredClipboard) {
     const uint16_t down = 125;  // Command-Down: to the end, deselecting
     ASSERT_TRUE(zeblo_send_global_keystroke(&down, 1, 0x100000));
     ASSERT_TRUE(zeblo_type_text("!", false));
-    ASSERT_TRUE(eventually([] { return text().find("keyboard!") != std::string::npos; })) << text();
+    ASSERT_TRUE(eventually([] { return text().find("keyboard\n!") != std::string::npos; })) << text();
 
     // Pasting text that cannot be typed, then the saved clipboard again.
     ASSERT_TRUE(zeblo_paste_text(" | pasted \xC3\xBC\xE2\x86\x92 | "));
     ASSERT_TRUE(eventually([] { return text().find("! | pasted \xC3\xBC\xE2\x86\x92 | ") != std::string::npos; }))
         << text();
     ASSERT_TRUE(zeblo_send_keystroke(kApp, "v", kCommand));
-    EXPECT_TRUE(eventually([] { return text().find("| Hello from the keyboard") != std::string::npos; })) << text();
+    EXPECT_TRUE(eventually([] { return text().find("| Hello\tfrom the keyboard\n") != std::string::npos; })) << text();
 
     // An empty clipboard is left empty (GNOME's compositor would offer its
     // copy of the pasted text again).

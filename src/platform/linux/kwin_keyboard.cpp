@@ -19,8 +19,7 @@ constexpr std::uint32_t kEvdevOffset = 8;  // XKB key codes are evdev codes plus
 
 std::unique_ptr<FakeInputKeyboard> FakeInputKeyboard::open(WaylandDisplay& display) {
     std::unique_ptr<FakeInputKeyboard> self(new FakeInputKeyboard(display));
-    self->input_.reset(
-        static_cast<org_kde_kwin_fake_input*>(display.bind(&org_kde_kwin_fake_input_interface, 4)));
+    self->input_.reset(static_cast<org_kde_kwin_fake_input*>(display.bind(&org_kde_kwin_fake_input_interface, 4)));
     if (!self->input_ || wl_proxy_get_version(reinterpret_cast<wl_proxy*>(self->input_.get())) < 4) return nullptr;
     org_kde_kwin_fake_input_authenticate(self->input_.get(), "ZEBLOui", "types keys for the automation of its host");
     if (!display.roundtrip(kReplySecondsOfCompositor) || display.broken()) return nullptr;

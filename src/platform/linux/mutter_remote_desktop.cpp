@@ -369,8 +369,8 @@ bool RemoteDesktop::own(Offers offers) {
 void RemoteDesktop::disown() {
     const std::vector<std::string> uncopied{kUncopiedType};
     offers_.clear();
-    echoDue_ = static_cast<bool>(
-        call("SetSelection", [&](DBusMessageIter& args) { return appendOptions(args, &uncopied); }));
+    echoDue_ =
+        static_cast<bool>(call("SetSelection", [&](DBusMessageIter& args) { return appendOptions(args, &uncopied); }));
     serve(0);
     call("SetSelection", [](DBusMessageIter& args) { return appendOptions(args, nullptr); });
     forget();
