@@ -60,6 +60,7 @@ case "$compositor" in
       sway -c "$tmp/run/sway.conf" >"$tmp/run/compositor.log" 2>&1 &
     ;;
   mutter)
+    export XDG_CURRENT_DESKTOP=GNOME  # the desktop portal's backend: GNOME's
     system=()
     if [ -n "$layout" ]; then
       # mutter takes its layout from localed on the system bus: a stand-in

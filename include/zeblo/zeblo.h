@@ -636,9 +636,23 @@
 **     dead key is the dead key and a space, one it lacks is skipped with the
 **     Keyboard line above.  The clipboard through data control, windows as
 **     under mutter.
+**   - Elsewhere, the desktop portal's remote desktop
+**     (org.freedesktop.portal.RemoteDesktop, e.g. xdg-desktop-portal-kde for
+**     a host KWin does not trust), which ASKS THE USER: the first keyboard
+**     call opens the portal's session and its dialog, waits at most the
+**     reply limit for the answer, and, unanswered, fails after the line
+**         Keyboard: the desktop portal (org.freedesktop.portal.RemoteDesktop) asks the user to allow this program to send keys; nothing is typed until the user allows it in the portal's dialog
+**     later keyboard calls go through once the user has allowed it (a
+**     refusal is logged, and the next keyboard call asks again).  Keys are
+**     keysyms typed on the compositor's layout, as under mutter.  That
+**     portal (version 1, Debian 12) gives no clipboard: zeblo_paste_text
+**     fails after the line
+**         Pasteboard: the desktop portal gives no clipboard (org.freedesktop.portal.RemoteDesktop version 1); nothing is pasted and the clipboard is left untouched
+**     with the description "Pasteboard cannot be read without asking the
+**     user".
 **   - Compositors with none of these (weston), and KWin for a host without
-**     that desktop file: no way to send keys; every keyboard function fails
-**     after the line
+**     that desktop file where no portal offers a remote desktop: no way to
+**     send keys; every keyboard function fails after the line
 **         Keyboard: no way to send keys in this Wayland session: ...
 **     (saying what was looked for, and under KWin which program to allow),
 **     and zeblo_paste_text leaves the clipboard untouched.

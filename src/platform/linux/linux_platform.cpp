@@ -257,6 +257,15 @@ bool LinuxPlatform::activateApplication(const RunningApp& app, std::uint64_t /*o
 // Every target of CLIPBOARD is one entry of one item, named by entryName
 // (x11_selection.h). Plain text the library sets ("public.utf8-plain-text")
 // is offered under the usual text targets.
+// A session that can send keys but reach no clipboard leaves it untouched:
+// the paste would otherwise press Control-V on whatever the clipboard holds.
+bool LinuxPlatform::canReadPasteboard() {
+    const auto locked = guard();
+    const std::string missing = session_->clipboardMissing();
+    if (!missing.empty()) log(missing);
+    return missing.empty();
+}
+
 std::optional<std::vector<PasteboardItem>> LinuxPlatform::pasteboardItems() {
     const auto locked = guard();
     std::vector<PasteboardItem> items;

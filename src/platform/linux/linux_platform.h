@@ -110,6 +110,7 @@ public:
     bool launchApplication(std::string_view name) override;
     bool activateApplication(const RunningApp& app, std::uint64_t options) override;
 
+    bool canReadPasteboard() override;
     std::optional<std::vector<PasteboardItem>> pasteboardItems() override;
     void clearPasteboard() override;
     bool setPasteboardString(std::string_view text, std::string_view type) override;

@@ -4,7 +4,6 @@
 // SelectionWrite, its signals read from the same connection.
 #include "platform/linux/mutter_remote_desktop.h"
 
-#include <X11/keysym.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -13,7 +12,6 @@
 #include <cerrno>
 
 #include "platform/linux/detach.h"
-#include "platform/linux/layout_keys.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -24,14 +22,6 @@ constexpr const char* kService = "org.gnome.Mutter.RemoteDesktop";
 constexpr const char* kSessionInterface = "org.gnome.Mutter.RemoteDesktop.Session";
 // A type no application asks for (mutter's clipboard keeps only text and images).
 constexpr const char* kUncopiedType = "application/x-zeblo-nothing";
-
-struct BusError {
-    DBusError error;
-    BusError() { dbus_error_init(&error); }
-    ~BusError() { dbus_error_free(&error); }
-    BusError(const BusError&) = delete;
-    BusError& operator=(const BusError&) = delete;
-};
 
 bool appendString(DBusMessageIter& args, const std::string& text) {
     const char* value = text.c_str();
@@ -136,12 +126,10 @@ bool writeAll(int fd, const std::string& data) {
 }  // namespace
 
 std::unique_ptr<RemoteDesktop> RemoteDesktop::open(WaylandDisplay* display) {
-    std::unique_ptr<RemoteDesktop> self(new RemoteDesktop());
-    self->display_ = display;
+    std::unique_ptr<RemoteDesktop> self(new RemoteDesktop(display));
     BusError error;
-    self->bus_.reset(dbus_bus_get_private(DBUS_BUS_SESSION, &error.error));
+    self->bus_ = openPrivateBus();
     if (!self->bus_) return nullptr;
-    dbus_connection_set_exit_on_disconnect(self->bus_.get(), FALSE);
     const BusMessage create(
         dbus_message_new_method_call(kService, "/org/gnome/Mutter/RemoteDesktop", kService, "CreateSession"));
     const BusMessage made(dbus_connection_send_with_reply_and_block(self->bus_.get(), create.get(), replyLimitMs(),
@@ -188,81 +176,18 @@ BusMessage RemoteDesktop::call(const char* method, const std::function<bool(DBus
     return reply;
 }
 
-bool RemoteDesktop::keysym(KeySym sym, bool down) {
+void RemoteDesktop::keysym(KeySym sym, bool down) {
     const BusMessage message(
         dbus_message_new_method_call(kService, session_.c_str(), kSessionInterface, "NotifyKeyboardKeysym"));
     const auto value = static_cast<dbus_uint32_t>(sym);
     const dbus_bool_t state = down ? TRUE : FALSE;
     if (!message || !dbus_message_append_args(message.get(), DBUS_TYPE_UINT32, &value, DBUS_TYPE_BOOLEAN, &state,
                                               DBUS_TYPE_INVALID)) {
-        return false;
+        return;
     }
     dbus_message_set_no_reply(message.get(), TRUE);
-    const bool sent = dbus_connection_send(bus_.get(), message.get(), nullptr);
+    dbus_connection_send(bus_.get(), message.get(), nullptr);
     dbus_connection_flush(bus_.get());
-    return sent;
-}
-
-bool RemoteDesktop::typeable(KeySym sym) const {
-    xkb_keymap* keymap = display_ != nullptr ? display_->keymap() : nullptr;
-    if (keymap == nullptr) return true;  // mutter's layout unknown: let it try
-    for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap); key <= xkb_keymap_max_keycode(keymap); ++key) {
-        for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(keymap, key); ++layout) {
-            for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap, key, layout); ++level) {
-                const xkb_keysym_t* syms = nullptr;
-                const int count = xkb_keymap_key_get_syms_by_level(keymap, key, layout, level, &syms);
-                for (int i = 0; i < count; ++i) {
-                    if (syms[i] == sym) return true;
-                }
-            }
-        }
-    }
-    return false;
-}
-
-bool RemoteDesktop::press(std::uint16_t id, const KeyRequest& request) {
-    const Modifiers modifiers = request.modifiers | held_;
-    std::vector<KeySym> syms;
-    if (modifiers & kControlBit && !(held_ & kControlBit)) syms.push_back(XK_Control_L);
-    if (modifiers & kAltBit && !(held_ & kAltBit)) syms.push_back(XK_Alt_L);
-    KeySym sym = request.plain;
-    if (request.shifted != 0) {
-        // A character: mutter holds what its level needs.
-        if (modifiers & kShiftBit) sym = request.shifted;
-    } else if (modifiers & kShiftBit) {
-        syms.push_back(XK_Shift_L);
-    }
-    if (!typeable(sym)) {
-        KeySym dead = deadKeyFor(sym);
-        if (dead != 0 && !typeable(dead)) dead = 0;
-        if (dead == 0) {
-            missing_ = sym;
-            return false;
-        }
-        keysym(dead, true);
-        keysym(dead, false);
-        sym = XK_space;
-    }
-    syms.push_back(sym);
-    for (KeySym s : syms) keysym(s, true);
-    pressed_[id] = std::move(syms);
-    return true;
-}
-
-void RemoteDesktop::release(std::uint16_t id) {
-    const auto found = pressed_.find(id);
-    if (found == pressed_.end()) return;
-    for (auto it = found->second.rbegin(); it != found->second.rend(); ++it) keysym(*it, false);
-    pressed_.erase(found);
-}
-
-// Control and Alt go down at once; a held Shift only chooses characters
-// (and is pressed around keys without one), as mutter holds Shift itself for
-// a character's level.
-void RemoteDesktop::modifierKey(Modifier modifier, bool down) {
-    held_ = static_cast<Modifiers>(down ? held_ | modifier : held_ & ~modifier);
-    if (modifier == kControlBit) keysym(XK_Control_L, down);
-    if (modifier == kAltBit) keysym(XK_Alt_L, down);
 }
 
 // --- The clipboard

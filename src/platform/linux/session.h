@@ -27,8 +27,12 @@ public:
     virtual ~Session() = default;
 
     // Keys. Why no key can be sent in this session at all ("" when keys can
-    // be sent), for the log line of every keyboard call.
-    virtual std::string keysMissing() const { return {}; }
+    // be sent), for the log line of every keyboard call; a session whose
+    // keys need the user's consent asks for it here.
+    virtual std::string keysMissing() { return {}; }
+    // Why a paste cannot use the clipboard although keys can be sent ("" when
+    // it can), for the log line of a paste that then leaves it untouched.
+    virtual std::string clipboardMissing() { return {}; }
     // Presses the key `id` (the library's key code) standing for `key`;
     // false when the layout cannot type it (nothing pressed).
     virtual bool press(std::uint16_t id, const KeyRequest& key) = 0;

@@ -86,14 +86,14 @@ bool pressObject(AtspiAccessible* object) {
 
 }  // namespace
 
-std::unique_ptr<WaylandSession> WaylandSession::open() {
+std::unique_ptr<WaylandSession> WaylandSession::open(bool portalOnly) {
     std::unique_ptr<WaylandSession> self(new WaylandSession());
     self->display_ = WaylandDisplay::connect(kCompositorSeconds);
     if (!self->display_) return nullptr;
     self->sway_ = SwayIpc::find();
     WaylandDisplay& display = *self->display_;
-    self->mutter_ = RemoteDesktop::open(&display);
-    if (!self->mutter_) {
+    if (!portalOnly) self->mutter_ = RemoteDesktop::open(&display);
+    if (!self->mutter_ && !portalOnly) {
         if (display.offers("zwp_virtual_keyboard_manager_v1")) {
             self->keyboard_ = VirtualKeyboard::open(display);
         } else if (display.offers("org_kde_kwin_fake_input")) {
@@ -101,11 +101,13 @@ std::unique_ptr<WaylandSession> WaylandSession::open() {
         }
         if (display.offers("zwlr_data_control_manager_v1")) self->clipboard_ = DataControlClipboard::open(display);
     }
-    if (!self->mutter_ && !self->keyboard_ && !self->fakeInput_) {
+    if (!self->mutter_ && !self->keyboard_ && !self->fakeInput_) self->portal_ = PortalKeyboard::open(&display);
+    if (!self->mutter_ && !self->keyboard_ && !self->fakeInput_ && !self->portal_) {
         self->keysMissing_ =
             "Keyboard: no way to send keys in this Wayland session: the compositor offers no virtual keyboard "
             "(zwp_virtual_keyboard_v1) and no fake input (org_kde_kwin_fake_input), and the session bus no mutter "
-            "remote desktop (org.gnome.Mutter.RemoteDesktop)";
+            "remote desktop (org.gnome.Mutter.RemoteDesktop) and no desktop portal with a remote desktop "
+            "(org.freedesktop.portal.RemoteDesktop)";
         if (display.offers("org_kde_plasma_shell") || display.offers("org_kde_kwin_server_decoration_manager")) {
             // KWin announces fake input only to the programs it was told to trust.
             self->keysMissing_ += "; KWin lets a program use fake input when a desktop file whose Exec is " +
@@ -122,21 +124,38 @@ WaylandSession::~WaylandSession() {
     clipboard_.reset();
     keyboard_.reset();
     fakeInput_.reset();
+    portal_.reset();
     mutter_.reset();
 }
 
 std::string WaylandSession::describe() const {
     if (mutter_) return "mutter's remote desktop";
-    std::string out = keyboard_ ? "a virtual keyboard" : fakeInput_ ? "KWin's fake input" : "no keyboard";
+    std::string out = keyboard_    ? "a virtual keyboard"
+                      : fakeInput_ ? "KWin's fake input"
+                      : portal_    ? "the desktop portal"
+                                   : "no keyboard";
     out += clipboard_ ? " and data control" : " and no clipboard";
     return out;
 }
 
 // --- Keys
 
+bool WaylandSession::keysReady() const { return mutter_ || keyboard_ || fakeInput_ || (portal_ && portal_->started()); }
+
+std::string WaylandSession::keysMissing() { return portal_ ? portal_->ready() : keysMissing_; }
+
+std::string WaylandSession::clipboardMissing() {
+    if (mutter_ || clipboard_ || (!keyboard_ && !fakeInput_ && !portal_)) return {};
+    return portal_ ? "Pasteboard: the desktop portal gives no clipboard (org.freedesktop.portal.RemoteDesktop "
+                     "version 1); nothing is pasted and the clipboard is left untouched"
+                   : "Pasteboard: the compositor offers no clipboard (zwlr_data_control_manager_v1); nothing is "
+                     "pasted and the clipboard is left untouched";
+}
+
 bool WaylandSession::press(std::uint16_t id, const KeyRequest& key) {
     if (mutter_) return mutter_->press(id, key);
     if (fakeInput_) return fakeInput_->press(id, key);
+    if (portal_) return portal_->started() && portal_->press(id, key);
     return keyboard_ && keyboard_->press(id, key);
 }
 
@@ -144,12 +163,14 @@ void WaylandSession::release(std::uint16_t id) {
     if (mutter_) mutter_->release(id);
     if (keyboard_) keyboard_->release(id);
     if (fakeInput_) fakeInput_->release(id);
+    if (portal_) portal_->release(id);
 }
 
 void WaylandSession::modifierKey(Modifier modifier, bool down) {
     if (mutter_) mutter_->modifierKey(modifier, down);
     if (keyboard_) keyboard_->modifierKey(modifier, down);
     if (fakeInput_) fakeInput_->modifierKey(modifier, down);
+    if (portal_ && portal_->started()) portal_->modifierKey(modifier, down);
 }
 
 // --- Windows
@@ -212,7 +233,7 @@ bool WaylandSession::activate(std::int32_t pid) {
     // windows (the least recently used first), until the process's window
     // is active: mutter's Shift+Alt+Tab, which it handles itself without a
     // shell.
-    if (!keysMissing_.empty()) return false;
+    if (!keysReady()) return false;
     for (int i = 0; i < kSwitchSteps; ++i) {
         if (!press(kTab, KeyRequest{0xff09 /* Tab */, 0, static_cast<Modifiers>(kAltBit | kShiftBit)})) return false;
         release(kTab);
@@ -231,7 +252,7 @@ bool WaylandSession::requestClose(std::int32_t pid, const std::string& title, co
     if (!window) return false;
     if (const AccessibleRef close = titleBarClose(window.get())) return pressObject(close.get());
     // The compositor's own shortcut, for the active window only.
-    if (!keysMissing_.empty() || !hasState(window.get(), ATSPI_STATE_ACTIVE)) return false;
+    if (!keysReady() || !hasState(window.get(), ATSPI_STATE_ACTIVE)) return false;
     if (!press(kF4, KeyRequest{0xffc1 /* F4 */, 0, kAltBit})) return false;
     release(kF4);
     return true;
@@ -256,13 +277,13 @@ Offers WaylandSession::readClipboard() {
 
 // Without a way to paste, the clipboard is not touched.
 bool WaylandSession::own(Offers offers) {
-    if (!keysMissing_.empty()) return false;
+    if (!keysReady()) return false;
     if (mutter_) return mutter_->own(std::move(offers));
     return clipboard_ && clipboard_->own(std::move(offers));
 }
 
 void WaylandSession::disown() {
-    if (!keysMissing_.empty()) return;
+    if (!keysReady()) return;
     if (mutter_) mutter_->disown();
     if (clipboard_) clipboard_->disown();
 }

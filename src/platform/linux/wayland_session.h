@@ -1,9 +1,10 @@
 // A Wayland session. The compositor's own ways of sending keys are tried in
 // this order: mutter's remote desktop session (GNOME), wlroots' virtual
-// keyboard (sway and other wlroots compositors), KWin's fake input (KDE);
-// the clipboard goes through mutter's session, else data control (wlroots,
-// KWin). Without any way to send keys, every keyboard call fails with one
-// log line saying why (keysMissing) and the clipboard is left alone.
+// keyboard (sway and other wlroots compositors), KWin's fake input (KDE),
+// and last the desktop portal, which asks the user first; the clipboard goes
+// through mutter's session, else data control (wlroots, KWin). Without any
+// way to send keys, every keyboard call fails with one log line saying why
+// (keysMissing) and the clipboard is left alone.
 //
 // Windows come from the accessibility bus: the active window is the frame in
 // the active state, its process the application's. sway's IPC gives the
@@ -23,6 +24,7 @@
 #include "platform/linux/kwin_keyboard.h"
 #include "platform/linux/mutter_remote_desktop.h"
 #include "platform/linux/owned.h"
+#include "platform/linux/portal_keyboard.h"
 #include "platform/linux/session.h"
 #include "platform/linux/sway_ipc.h"
 #include "platform/linux/wayland_display.h"
@@ -33,11 +35,14 @@ namespace zeblo::platform::linux_desktop {
 
 class WaylandSession final : public Session {
 public:
-    // Null when WAYLAND_DISPLAY's compositor cannot be reached.
-    static std::unique_ptr<WaylandSession> open();
+    // Null when WAYLAND_DISPLAY's compositor cannot be reached. With
+    // `portalOnly`, keys go through the desktop portal even where the
+    // compositor has a way of its own (to try the portal under mutter).
+    static std::unique_ptr<WaylandSession> open(bool portalOnly = false);
     ~WaylandSession() override;
 
-    std::string keysMissing() const override { return keysMissing_; }
+    std::string keysMissing() override;
+    std::string clipboardMissing() override;
     bool press(std::uint16_t id, const KeyRequest& key) override;
     void release(std::uint16_t id) override;
     void modifierKey(Modifier modifier, bool down) override;
@@ -63,11 +68,14 @@ private:
     WaylandSession() = default;
     // The active frame of any registered application, with its process.
     std::optional<std::pair<std::int32_t, AccessibleRef>> activeFrame();
+    // Whether keys can be sent now (asking no one).
+    bool keysReady() const;
 
     std::unique_ptr<WaylandDisplay> display_;
     std::unique_ptr<RemoteDesktop> mutter_;
     std::unique_ptr<VirtualKeyboard> keyboard_;
     std::unique_ptr<FakeInputKeyboard> fakeInput_;
+    std::unique_ptr<PortalKeyboard> portal_;
     std::unique_ptr<DataControlClipboard> clipboard_;
     std::optional<SwayIpc> sway_;
     std::string keysMissing_;
