@@ -31,6 +31,7 @@ desktop=(
   libgtk-4-dev   # the GTK 4 test application
   qtbase5-dev qt6-base-dev qtbase5-examples  # the Qt test application (Qt 5 and 6); Qt applications with menus
   sway mutter weston kwin-wayland qtwayland5 qt6-wayland  # headless Wayland sessions, and Qt on Wayland
+  xdg-desktop-portal xdg-desktop-portal-gnome  # the desktop portal's remote desktop (GNOME's, under mutter)
 )
 packages=("${build[@]}" "${tests[@]}")
 extra=()
