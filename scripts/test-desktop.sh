@@ -12,7 +12,7 @@ scripts/desktop-session.sh "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_br
 # own tools. weston offers no way to send keys: the keyboard calls fail with
 # the reason.
 if [ $# -eq 0 ]; then
-  all="TestApp.*:*QtApp*:L3afpad.*:WaylandSession.*"
+  all="TestApp.*:*QtApp*:L3afpad.*:Gtk4App.TheEntry*:WaylandSession.*"
   for run in "sway:$all" "mutter:$all" "kwin:$all" "weston:WaylandSession.*"; do
     echo "== end to end on Wayland (${run%%:*})"
     scripts/wayland-session.sh "${run%%:*}" "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 \

@@ -656,18 +656,25 @@
 **         Keyboard: no way to send keys in this Wayland session: ...
 **     (saying what was looked for, and under KWin which program to allow),
 **     and zeblo_paste_text leaves the clipboard untouched.
-** The first keyboard call of the process pauses about 0.15 s while the
-** applications take the new keyboard.  The frontmost application is the
-** process of the frame in the active state (sway: else sway's focused
-** window).  A paste keeps the clipboard until an application asks for the
-** text, as under X11 (a request for the data of the library's own
-** selection after the Control-V; mutter's own copy of each new clipboard,
-** taken as soon as it is set, does not count).  Restored clipboard
-** contents are served after a paste by the clipboard holder through the
-** same interface (zeblo-helper hold wayland or hold mutter).  mutter keeps a copy of the text of every clipboard
-** owner and offers it again when the clipboard is left without one: to
-** leave the clipboard empty, the library first sets it to an owner that
-** offers only the type application/x-zeblo-nothing, then clears it.
+** The first call of the process (for the portal: the first keyboard call
+** after the user allowed keys) pauses about 0.15 s while the applications
+** take the new keyboard; under mutter it presses a keysym no key gives to
+** make the keyboard (mutter logs "No keycode found for keyval 0").  The
+** frontmost application is the process of the frame in the active state
+** (sway: else sway's focused window).  A paste keeps the clipboard until
+** an application asks for the text, as under X11 (a request for the data
+** of the library's own selection after the Control-V; mutter's own copy of
+** each new clipboard, taken as soon as it is set, does not count).
+** Restored clipboard contents are served after a paste by the clipboard
+** holder through the same interface (zeblo-helper hold wayland or hold
+** mutter).  mutter keeps a copy of the text of every clipboard owner and
+** offers it again when the clipboard is left without one: to leave the
+** clipboard empty, the library first sets it to an owner that offers only
+** the type application/x-zeblo-nothing, then clears it.  Kept from the
+** first call on, beside the accessibility bus: one compositor connection,
+** and under mutter a remote desktop session on a bus connection of its own
+** (the portal's session, on its own connection, from the first keyboard
+** call on).
 **
 ** LINUX: WHAT IS KEPT, AND THE LOCK
 **
