@@ -24,6 +24,7 @@ constexpr double kHolderSeconds = 2.0;
 constexpr std::uint16_t kF4 = 118;  // the library's key codes
 constexpr std::uint16_t kTab = 48;
 constexpr double kActivationSeconds = 0.15;
+constexpr double kMappingSeconds = 0.5;  // for sway to list a window the accessibility bus shows
 constexpr int kSwitchSteps = 8;  // windows tried at most
 
 // This program's executable, as a compositor sees it.
@@ -206,7 +207,13 @@ std::string WaylandSession::activeWindowTitle() {
 
 bool WaylandSession::activate(std::int32_t pid) {
     if (sway_) {
-        const std::optional<SwayView> view = sway_->viewOf(pid, "");
+        // A window the accessibility bus shows may not be mapped yet: sway
+        // lists it a moment later.
+        std::optional<SwayView> view = sway_->viewOf(pid, "");
+        for (const double end = monotonicSeconds() + kMappingSeconds; !view && monotonicSeconds() < end;) {
+            usleep(10000);
+            view = sway_->viewOf(pid, "");
+        }
         return view && sway_->run(view->id, "focus");
     }
     const AccessibleRef app = applicationOf(pid);
