@@ -44,7 +44,7 @@ if [ "$ZEBLO_WAYLAND_STAGE" = "user" ]; then
   env -u DISPLAY -u DBUS_SESSION_BUS_ADDRESS -u NO_AT_BRIDGE -u GTK_MODULES -u WAYLAND_DISPLAY -u SWAYSOCK \
     HOME="$tmp/home" XDG_RUNTIME_DIR="$tmp/run" ZEBLO_WAYLAND_STAGE=session ZEBLO_WAYLAND_TMP="$tmp" \
     "${as[@]}" dbus-run-session -- bash "$self" "$compositor" "$@" || status=$?
-  rm -rf "$tmp"
+  rm -rf "$tmp" 2>/dev/null || true
   exit "$status"
 fi
 
@@ -90,7 +90,10 @@ case "$compositor" in
       mkdir -p "$HOME/.config"
       printf '[Layout]\nUse=true\nLayoutList=%s\n' "$layout" >"$HOME/.config/kxkbrc"
     fi
-    "$tmp/run/kwin_wayland" --virtual --no-lockscreen --width 1280 --height 720 >"$tmp/run/compositor.log" 2>&1 &
+    # QPainter compositing: OpenGL on llvmpipe sets itself up after KWin's
+    # bus name appears and, on a busy machine, held the first client past 1 s.
+    KWIN_COMPOSE=Q "$tmp/run/kwin_wayland" --virtual --no-lockscreen --width 1280 --height 720 \
+      >"$tmp/run/compositor.log" 2>&1 &
     ;;
 esac
 compositor_pid=$!
@@ -121,6 +124,11 @@ fi
 status=0
 "$@" || status=$?
 kill "$compositor_pid" 2>/dev/null || true
+# Gone before its files are removed (KWin still writes its settings as it ends).
+for _ in $(seq 1 100); do
+  kill -0 "$compositor_pid" 2>/dev/null || break
+  sleep 0.05
+done
 if [ "$status" -ne 0 ]; then
   echo "-- the compositor's log (last lines):" >&2
   tail -n 20 "$tmp/run/compositor.log" >&2
