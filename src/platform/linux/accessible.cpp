@@ -190,15 +190,18 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
 }
 
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object) {
-    Error error;
-    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
-    if (!set) return std::nullopt;
-    const Array states(atspi_state_set_get_states(set.get()));
-    if (!states) return std::nullopt;
+    // Asked of the application itself: libatspi may answer from a state set
+    // it kept since the element was made (a web page's button before the
+    // page was laid out).
+    const char* bus = busOf(object);
+    if (bus == nullptr) return std::nullopt;
+    std::vector<Message> call;
+    call.push_back(methodCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Accessible", "GetState"));
+    const std::optional<std::vector<std::uint32_t>> words = uint32sAnswer(callAll(connectionOf(object), call).front());
+    if (!words) return std::nullopt;
     std::uint64_t bits = 0;
-    for (guint i = 0; i < states->len; ++i) {
-        const auto state = static_cast<unsigned>(g_array_index(states.get(), AtspiStateType, i));
-        if (state < 64) bits |= std::uint64_t{1} << state;
+    for (std::size_t word = 0; word < words->size() && word < 2; ++word) {
+        bits |= std::uint64_t{(*words)[word]} << (32 * word);
     }
     return bits;
 }
@@ -231,9 +234,8 @@ std::string takeText(char* text) {
 }
 
 bool hasState(AtspiAccessible* object, AtspiStateType state) {
-    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
-    if (!set) return false;
-    return atspi_state_set_contains(set.get(), state) != 0;
+    const std::optional<std::uint64_t> states = statesOf(object);
+    return states && ((*states >> state) & 1) != 0;
 }
 
 std::vector<AccessibleRef> childrenOf(AtspiAccessible* object, bool* answered) {
