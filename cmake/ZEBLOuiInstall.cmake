@@ -4,6 +4,9 @@
 #   lib/zeblo/simulated/libZEBLOui.so*        the simulated library (same exports;
 #                                             its desktop comes from ZEBLO_SIMULATE)
 #   include/zeblo/zeblo.h                     its interface
+#   lib/libZEBLOuiPlus.so*                    the superset library (the 25 functions and
+#                                             the element interface, zeblo/zeblo_plus.h)
+#   lib/zeblo/simulated/libZEBLOuiPlus.so*    its simulated twin
 #   include/zeblo/module.modulemap            the module ZEBLOui, for Swift
 #   lib/cmake/ZEBLOui/ZEBLOui*.cmake          find_package(ZEBLOui) -> ZEBLOui::ZEBLOui
 #   lib/pkgconfig/zeblo.pc                    pkg-config zeblo
@@ -16,17 +19,18 @@ include(CMakePackageConfigHelpers)
 
 set(ZEBLO_CMAKE_INSTALL_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZEBLOui")
 
-install(TARGETS ZEBLOui EXPORT ZEBLOuiTargets
+install(TARGETS ZEBLOui ZEBLOuiPlus EXPORT ZEBLOuiTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     COMPONENT Runtime NAMELINK_COMPONENT Development
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime)
 # Not part of the exported CMake package: a host's tests reach it through
 # the library search path (LD_LIBRARY_PATH, DYLD_LIBRARY_PATH) or by its path.
-install(TARGETS ZEBLOui_simulated
+install(TARGETS ZEBLOui_simulated ZEBLOuiPlus_simulated
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/zeblo/simulated" COMPONENT Simulated
   RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/zeblo/simulated" COMPONENT Simulated)
-install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h" "${PROJECT_SOURCE_DIR}/include/zeblo/module.modulemap"
+install(FILES "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo.h" "${PROJECT_SOURCE_DIR}/include/zeblo/zeblo_plus.h"
+  "${PROJECT_SOURCE_DIR}/include/zeblo/module.modulemap"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zeblo" COMPONENT Development)
 install(TARGETS zeblo RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tool)
 if(TARGET zeblo-helper)

@@ -1,5 +1,6 @@
 #include "capi/marshal.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,6 +10,16 @@
 #include "platform/platform.h"
 
 namespace zeblo::capi {
+
+namespace {
+std::atomic<CallObserver*> installedObserver{nullptr};
+}  // namespace
+
+CallObserver* callObserver() noexcept { return installedObserver.load(std::memory_order_acquire); }
+
+void installCallObserver(CallObserver* observer) noexcept {
+    installedObserver.store(observer, std::memory_order_release);
+}
 
 std::string decodeString(const char* s) {
     if (s == nullptr) return {};

@@ -42,10 +42,30 @@ std::string describe(const std::exception& e);
 // Writes "<exportName> error: <description>" to the log as one literal line.
 void logFailure(std::string_view exportName, std::string_view description) noexcept;
 
+// What a library that explains its failures keeps of each call: the
+// superset library installs one (zeblo_last_failure); the plain library
+// installs none, and then nothing is kept.
+class CallObserver {
+public:
+    // A call begins: the last failure is forgotten.
+    virtual void begin() noexcept = 0;
+    // The call failed with `error` (null: with something that is not an
+    // exception of the library's or the standard's).
+    virtual void failed(std::string_view exportName, const std::exception* error) noexcept = 0;
+
+protected:
+    ~CallObserver() = default;
+};
+CallObserver* callObserver() noexcept;
+// Installs `observer` for every later call (once, as the library loads).
+void installCallObserver(CallObserver* observer) noexcept;
+
 // Runs an operation for a boolean export that logs: true when it finished,
 // false (and one log line) when it threw.
 template <class Op>
 bool runLogged(std::string_view exportName, Op&& op) noexcept {
+    CallObserver* observer = callObserver();
+    if (observer != nullptr) observer->begin();
     try {
         op();
         return true;
@@ -54,8 +74,10 @@ bool runLogged(std::string_view exportName, Op&& op) noexcept {
             logFailure(exportName, describe(e));
         } catch (...) {
         }
+        if (observer != nullptr) observer->failed(exportName, &e);
     } catch (...) {
         logFailure(exportName, "unknown error");
+        if (observer != nullptr) observer->failed(exportName, nullptr);
     }
     return false;
 }
@@ -64,9 +86,15 @@ bool runLogged(std::string_view exportName, Op&& op) noexcept {
 // false when it threw.
 template <class Op>
 bool runQuiet(Op&& op) noexcept {
+    CallObserver* observer = callObserver();
+    if (observer != nullptr) observer->begin();
     try {
         return static_cast<bool>(op());
+    } catch (const std::exception& e) {
+        if (observer != nullptr) observer->failed({}, &e);
+        return false;
     } catch (...) {
+        if (observer != nullptr) observer->failed({}, nullptr);
         return false;
     }
 }
@@ -80,11 +108,15 @@ const char* errorResult(const std::exception& e) noexcept;
 
 template <class Op>
 const char* runJson(std::string_view fallback, bool fallbackOnError, Op&& op) noexcept {
+    CallObserver* observer = callObserver();
+    if (observer != nullptr) observer->begin();
     try {
         return jsonResult(op(), fallback);
     } catch (const std::exception& e) {
+        if (observer != nullptr) observer->failed({}, &e);
         return fallbackOnError ? heapCopy(fallback) : errorResult(e);
     } catch (...) {
+        if (observer != nullptr) observer->failed({}, nullptr);
         return heapCopy(fallback);
     }
 }

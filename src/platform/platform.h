@@ -139,8 +139,10 @@ Read<std::vector<Element>> asElementArray(AttributeRead&& r);
 Read<std::vector<std::string>> asStringArray(AttributeRead&& r);
 
 // A value the library writes into an attribute: text (direct entry into a text
-// field) or an integer number (a checkbox's value).
-using SetValue = std::variant<std::string, std::int64_t>;
+// field), an integer number (a checkbox's value, a slider's position) or a
+// boolean (the focus, a selection, an expansion: "AXFocused", "AXSelected",
+// "AXExpanded").
+using SetValue = std::variant<std::string, std::int64_t, bool>;
 
 // A list of names (attributes or actions) with the result code of the query.
 struct NamesRead {
@@ -202,7 +204,13 @@ class Platform {
 public:
     virtual ~Platform() = default;
 
-    // Accessibility elements and attributes.
+    // Accessibility elements and attributes. Attributes are named as on
+    // macOS ("AXRole", "AXTitle", "AXValue", "AXChildren", "AXFocused"...).
+    // Two are the library's own, for backends that list elements a user
+    // cannot see (Linux): "ZBAllChildren", the children including those, in
+    // order, the others among them in the order of "AXChildren"; and
+    // "ZBVisible", whether an element reached through that list is seen. A
+    // backend that lists only what is seen may leave both unsupported.
     virtual Element createApplicationElement(std::int32_t pid) = 0;
     virtual Element createSystemWideElement() = 0;
     virtual AttributeRead copyAttributeValue(const Element& element, std::string_view attribute) = 0;

@@ -1,4 +1,5 @@
 // Finding an application by name and one of its windows by title.
+#include <atomic>
 #include <string>
 
 #include "ops/lookup.h"
@@ -7,6 +8,10 @@
 namespace zeblo {
 
 using platform::Element;
+
+namespace {
+std::atomic<WindowOps::MissedControl> missedControl{nullptr};
+}  // namespace
 
 platform::RunningApp WindowOps::getApp(const std::string& appName) {
     std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exactThenLoose);
@@ -85,9 +90,16 @@ Element WindowOps::findControl(const std::string& appName, const std::string& wi
                                const std::string& name, WindowError (*missing)(std::string)) {
     windows::Trail inside;
     Element control = findElement(findWindow(appName, windowName), role, name, inside);
-    if (!control) throw missing(name);
+    if (!control) {
+        if (const MissedControl hook = missedControl.load(std::memory_order_acquire)) {
+            hook(appName, windowName, role, name);
+        }
+        throw missing(name);
+    }
     return control;
 }
+
+void WindowOps::onMissedControl(MissedControl hook) noexcept { missedControl.store(hook, std::memory_order_release); }
 
 WindowOps::Presence WindowOps::presence(const std::string& appName, const std::string& windowName) {
     try {

@@ -74,6 +74,15 @@ public:
     // Loose application match only; every failure gives an empty list.
     static std::vector<std::string> getWindowTitles(const std::string& appName);
 
+    // --- Explaining a control not found ---------------------------------------
+    // Called, when one is installed, with what a control lookup looked for
+    // and did not find, before the lookup's error is thrown. The superset
+    // library installs one that tells a hidden match apart; the plain library
+    // none.
+    using MissedControl = void (*)(const std::string& appName, const std::string& windowName,
+                                   std::string_view role, const std::string& name);
+    static void onMissedControl(MissedControl hook) noexcept;
+
     // --- Window state ---------------------------------------------------------
 
     static bool windowExists(const std::string& appName, const std::string& windowName);

@@ -66,10 +66,14 @@ bool processAlive(pid_t pid) { return kill(pid, 0) == 0 || errno == EPERM; }
 
 AXError code(::AXError result) noexcept { return static_cast<AXError>(result); }
 
-// The value written into an attribute: a CFString or a 64-bit CFNumber.
+// The value written into an attribute: a CFString, a 64-bit CFNumber or a
+// CFBoolean.
 ScopedCF<CFTypeRef> makeSetValue(const SetValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) {
         return ScopedCF<CFTypeRef>::adopt(makeCFString(*text).release());
+    }
+    if (const auto* flag = std::get_if<bool>(&value)) {
+        return ScopedCF<CFTypeRef>::retain(*flag ? kCFBooleanTrue : kCFBooleanFalse);
     }
     const std::int64_t number = std::get<std::int64_t>(value);
     return ScopedCF<CFTypeRef>::adopt(

@@ -57,6 +57,12 @@ struct Node {
     OnPress onPress = OnPress::nothing;
     // The element of a process that is gone: every read fails.
     bool dead = false;
+    // Not seen by a user: left out of "AXChildren" reads (still in
+    // "ZBAllChildren", with "ZBVisible" false).
+    bool hidden = false;
+    // The id of an element that a successful "AXPress" or "AXShowMenu" of
+    // this one shows (a menu button's popover); empty: none.
+    std::string reveals;
     // A hung element: every read, write and action waits this long (virtual
     // microseconds) for a reply that does not come and fails with
     // kAXErrorCannotComplete. A write or action is delivered all the same.

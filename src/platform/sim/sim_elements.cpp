@@ -1,5 +1,6 @@
 // The accessibility operations of the simulated desktop: elements, attribute
 // reads and writes, actions (with the effects of a press) and the trust check.
+#include <type_traits>
 #include <unordered_set>
 
 #include "platform/sim/sim_state.h"
@@ -132,7 +133,10 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
     std::lock_guard lock(impl_->mu);
     if (AXError e = unanswered(*impl_, n)) return {e, {}};
     if (auto it = n->errors.find(attribute); it != n->errors.end()) return {it->second, {}};
-    const Attr* a = n->findAttr(attribute);
+    if (attribute == "ZBVisible") return {platform::kAXErrorSuccess, !n->hidden};
+    // Every child, seen or not, is listed under the library's own name.
+    const bool everyChild = attribute == "ZBAllChildren";
+    const Attr* a = n->findAttr(everyChild ? std::string_view("AXChildren") : attribute);
     if (a == nullptr) return {platform::kAXErrorAttributeUnsupported, {}};
 
     auto handOut = [&](Node* child) {
@@ -154,7 +158,11 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
     } else if (auto* children = std::get_if<std::vector<Node*>>(a)) {
         std::vector<platform::Element> out;
         out.reserve(children->size());
-        for (Node* c : *children) out.push_back(handOut(c));
+        for (Node* c : *children) {
+            // "AXChildren" holds what a user sees.
+            if (c != nullptr && c->hidden && attribute == "AXChildren") continue;
+            out.push_back(handOut(c));
+        }
         r.value = std::move(out);
     } else if (auto* strings = std::get_if<std::vector<std::string>>(a)) {
         r.value = *strings;
@@ -187,13 +195,22 @@ AXError SimDesktop::setAttributeValue(const platform::Element& element, std::str
     if (result == platform::kAXErrorSuccess) {
         if (auto* s = std::get_if<std::string>(&value)) {
             n->setAttr(std::string(attribute), *s);
+        } else if (auto* b = std::get_if<bool>(&value)) {
+            n->setAttr(std::string(attribute), *b);
         } else {
             n->setAttr(std::string(attribute), std::get<std::int64_t>(value));
         }
     }
     if (n != nullptr && !n->dead) result = withheld(*impl_, n, result);
-    Json shown = std::holds_alternative<std::string>(value) ? Json(traceText(std::get<std::string>(value)))
-                                                            : Json(std::get<std::int64_t>(value));
+    Json shown = std::visit(
+        [](const auto& v) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(v)>, std::string>) {
+                return Json(traceText(v));
+            } else {
+                return Json(v);
+            }
+        },
+        value);
     impl_->record(Json{{"set", traceText(attribute)}, {"element", idJson(n)}, {"value", std::move(shown)},
                        {"result", result}});
     return result;
@@ -229,6 +246,10 @@ AXError SimDesktop::performAction(const platform::Element& element, std::string_
     if (result == platform::kAXErrorSuccess && action == "AXPress") {
         if (n->onPress == OnPress::close) closeWindowHolding(impl_->apps, n);
         if (n->onPress == OnPress::toggle) toggle(*n);
+    }
+    if (result == platform::kAXErrorSuccess && (action == "AXPress" || action == "AXShowMenu") &&
+        !n->reveals.empty()) {
+        if (Node* shown = impl_->findNode(n->reveals)) shown->hidden = false;
     }
     if (n != nullptr && !n->dead) result = withheld(*impl_, n, result);
     impl_->record(Json{{"action", traceText(action)}, {"element", idJson(n)}, {"result", result}});

@@ -243,6 +243,11 @@ private:
                 n.hungMicros = hungMicrosOf(v, at);
             } else if (key == "holdsReply") {
                 n.holdsReplyMicros = hungMicrosOf(v, at);
+            } else if (key == "hidden") {
+                if (!v.is_boolean()) fail(at, "expected true or false" + got(v));
+                n.hidden = v.get<bool>();
+            } else if (key == "reveals") {
+                n.reveals = stringOf(v, at);
             } else if (key == "onPress") {
                 if (v.is_null()) continue;
                 const auto& s = stringOf(v, at);
@@ -251,7 +256,7 @@ private:
                 else fail(at, "expected \"close\" or \"toggle\", got \"" + s + "\"");
             } else {
                 fail(at, "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
-                         "settable, setResult, onPress)");
+                         "settable, setResult, onPress, hidden, reveals)");
             }
         }
     }

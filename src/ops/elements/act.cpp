@@ -1,0 +1,287 @@
+// Acting on an element by its reference. The reference is resolved and
+// verified first; the action is then sent to that element only. What a user
+// could not do (press a disabled button, check a label) fails without
+// sending anything; an action whose effect can be read back (a check box's
+// state, the focus, an expansion) counts as done only once it shows.
+#include <cmath>
+
+#include "ops/elements/element_ops.h"
+#include "ops/elements/walk.h"
+#include "ops/lookup.h"
+
+namespace zeblo::elements {
+
+using platform::Element;
+
+namespace {
+
+platform::Platform& desk() { return platform::current(); }
+
+std::string describe(const Facts& f) {
+    return shortRole(f.role) + (f.name.empty() ? std::string() : " '" + f.name + "'");
+}
+
+bool offers(const Facts& f, std::string_view action) {
+    return std::find(f.actions.begin(), f.actions.end(), action) != f.actions.end();
+}
+
+// Sends `action`; true when it was performed (or delivered without an
+// answer, which counts as performed).
+bool perform(const Element& e, std::string_view action) {
+    return lookup::performed(desk().performAction(e, action));
+}
+
+// Polls `holds` for up to a second: the effect of an action shows in the
+// application's next update.
+template <class Holds>
+bool shows(Holds&& holds) {
+    platform::Platform& p = desk();
+    for (int i = 0; i < 50; ++i) {
+        if (holds()) return true;
+        p.sleep(0.02);
+    }
+    return holds();
+}
+
+std::optional<bool> readBool(const Element& e, std::string_view attribute) {
+    auto read = platform::asBool(desk().copyAttributeValue(e, attribute));
+    return read.ok() ? std::optional<bool>(read.value) : std::nullopt;
+}
+
+std::optional<std::int64_t> readNumber(const Element& e) {
+    auto read = platform::asInteger(desk().copyAttributeValue(e, "AXValue"));
+    return read.ok() ? std::optional<std::int64_t>(read.value) : std::nullopt;
+}
+
+void press(const Resolved& r) {
+    if (perform(r.element, "AXPress")) return;
+    if (perform(r.element, "AXPick")) return;
+    throw ElementError::action("refused", "The " + describe(r.facts) + " refused to be pressed");
+}
+
+// Checks or unchecks; false when it already was so.
+bool setChecked(const Resolved& r, bool wanted) {
+    if (!r.facts.checkable()) {
+        throw ElementError::action("notCheckable", "The " + describe(r.facts) + " cannot be checked or unchecked");
+    }
+    if (r.facts.checked() == wanted) return false;
+    if (r.facts.role == "AXRadioButton" && !wanted) {
+        throw ElementError::action("notCheckable", "A radio button is unchecked by checking another one");
+    }
+    press(r);
+    if (!shows([&] { return (readNumber(r.element) == 1) == wanted; })) {
+        throw ElementError::action("noEffect", "The " + describe(r.facts) + " was pressed but did not become " +
+                                                   (wanted ? "checked" : "unchecked"));
+    }
+    return true;
+}
+
+void writeValue(const Resolved& r, const platform::SetValue& value, const std::string& shown) {
+    const platform::AXError code = desk().setAttributeValue(r.element, "AXValue", value);
+    if (!lookup::performed(code)) {
+        throw ElementError::action("refused", "The " + describe(r.facts) + " did not take the value '" + shown +
+                                                  "' (error " + std::to_string(code) + ")");
+    }
+}
+
+// The menu items a user sees under `ref`, as nodes.
+Json menuItems(const std::string& ref) {
+    Scope scope;
+    scope.ref = ref;
+    Limits limits;
+    limits.maxNodes = 200;
+    limits.maxDepth = 12;
+    const Walk w = walk(scope, limits, [](const Visited& v) {
+        return v.facts.role == "AXMenuItem" || v.facts.role == "AXMenuBarItem";
+    });
+    Json items = Json::array();
+    for (const Visited& v : w.nodes) {
+        if (v.parent >= 0 && v.listed && v.facts.visible) items.push_back(nodeJson(v, limits));
+    }
+    return items;
+}
+
+// Chooses the item named `wanted` of a pop-up button's menu (opening it).
+void choose(const Resolved& r, const std::string& wanted) {
+    platform::Platform& p = desk();
+    (void)perform(r.element, "AXPress");
+    p.sleep(0.05);
+    std::vector<Element> items;
+    auto menu = platform::asElement(p.copyAttributeValue(r.element, "AXMenu"));
+    if (!menu.ok()) {
+        auto children = platform::asElementArray(p.copyAttributeValue(r.element, "AXChildren"));
+        for (Element& child : children.ok() ? children.value : std::vector<Element>{}) {
+            auto role = platform::asString(p.copyAttributeValue(child, "AXRole"));
+            if (role.ok() && role.value == "AXMenu") menu.value = std::move(child);
+        }
+    }
+    if (menu.value) {
+        auto children = platform::asElementArray(p.copyAttributeValue(menu.value, "AXChildren"));
+        if (children.ok()) items = std::move(children.value);
+    }
+    for (const Element& item : items) {
+        if (!item) continue;
+        auto title = platform::asString(p.copyAttributeValue(item, "AXTitle"));
+        if (!title.ok() || !lookup::softMatch(title.value, wanted)) continue;
+        if (perform(item, "AXPress")) return;
+        throw ElementError::action("refused", "The item '" + title.value + "' refused to be chosen");
+    }
+    (void)perform(r.element, "AXCancel");
+    throw ElementError::action("noSuchItem", "The " + describe(r.facts) + " has no item '" + wanted + "'");
+}
+
+enum class Kind { press, toggle, check, uncheck, focus, setValue, select, expand, collapse, openMenu, scroll,
+                  increment, decrement };
+
+std::optional<Kind> kindOf(std::string_view action) {
+    std::string key;
+    for (const char c : action) {
+        if (c >= 'A' && c <= 'Z') key += static_cast<char>(c - 'A' + 'a');
+        else if (c != '_' && c != '-' && c != ' ') key += c;
+    }
+    static const std::pair<std::string_view, Kind> kNames[] = {
+        {"press", Kind::press},        {"click", Kind::press},         {"toggle", Kind::toggle},
+        {"check", Kind::check},        {"uncheck", Kind::uncheck},     {"focus", Kind::focus},
+        {"setvalue", Kind::setValue},  {"set", Kind::setValue},        {"fill", Kind::setValue},
+        {"select", Kind::select},      {"expand", Kind::expand},       {"collapse", Kind::collapse},
+        {"openmenu", Kind::openMenu},  {"showmenu", Kind::openMenu},   {"menu", Kind::openMenu},
+        {"scrollintoview", Kind::scroll}, {"scroll", Kind::scroll},    {"increment", Kind::increment},
+        {"decrement", Kind::decrement}};
+    for (const auto& [name, kind] : kNames) {
+        if (key == name) return kind;
+    }
+    return std::nullopt;
+}
+
+std::optional<bool> parseBool(std::string_view v) {
+    if (v == "1" || v == "true" || v == "on" || v == "yes" || v == "checked") return true;
+    if (v == "0" || v == "false" || v == "off" || v == "no" || v == "unchecked") return false;
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> parseInteger(const std::string& v) {
+    char* end = nullptr;
+    const double number = std::strtod(v.c_str(), &end);
+    if (v.empty() || end != v.c_str() + v.size() || !std::isfinite(number) || std::fabs(number) > 9e15) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(std::llround(number));
+}
+
+}  // namespace
+
+std::string act(std::string_view refText, std::string_view actionText, std::string_view valueText) {
+    const std::optional<Kind> kind = kindOf(actionText);
+    if (!kind) {
+        throw ElementError::usage("badAction", "Unknown action '" + std::string(actionText.substr(0, 40)) +
+                                                   "' (press, toggle, check, uncheck, focus, set_value, select, "
+                                                   "expand, collapse, open_menu, scroll_into_view, increment, "
+                                                   "decrement)");
+    }
+    const std::string value(valueText);
+    if (*kind == Kind::setValue && valueText.data() == nullptr) {
+        throw ElementError::usage("missingValue", "set_value needs a value");
+    }
+    const Resolved r = resolve(refText);
+    const Facts& f = r.facts;
+    if (!f.enabled && *kind != Kind::focus && *kind != Kind::scroll) {
+        throw ElementError::action("disabled", "The " + describe(f) + " is disabled");
+    }
+    Json out = Json::object();
+    out["ok"] = true;
+    out["action"] = shortAction(std::string(actionText));
+    out["ref"] = format(r.ref);
+    platform::Platform& p = desk();
+    switch (*kind) {
+        case Kind::press: press(r); break;
+        case Kind::toggle:
+            if (!f.checkable() && !f.expanded) {
+                throw ElementError::action("notCheckable", "The " + describe(f) + " cannot be toggled");
+            }
+            if (f.checkable()) {
+                out["changed"] = setChecked(r, !f.checked());
+            } else {
+                press(r);
+            }
+            break;
+        case Kind::check: out["changed"] = setChecked(r, true); break;
+        case Kind::uncheck: out["changed"] = setChecked(r, false); break;
+        case Kind::focus:
+            if (f.focused) break;
+            if (!lookup::performed(p.setAttributeValue(r.element, "AXFocused", true)) ||
+                !shows([&] { return readBool(r.element, "AXFocused").value_or(false); })) {
+                throw ElementError::action("noEffect", "The " + describe(f) + " did not take the focus");
+            }
+            break;
+        case Kind::setValue:
+            if (f.checkable()) {
+                const std::optional<bool> wanted = parseBool(value);
+                if (!wanted) throw ElementError::usage("badValue", "A check box's value is true or false");
+                out["changed"] = setChecked(r, *wanted);
+            } else if (isTextEntryRole(f.role)) {
+                if (!f.editable) throw ElementError::action("notEditable", "The " + describe(f) + " is not editable");
+                writeValue(r, value, value);
+            } else if (f.role == "AXPopUpButton") {
+                choose(r, value);
+            } else if (const std::optional<std::int64_t> number = parseInteger(value); number && f.number) {
+                writeValue(r, *number, value);
+            } else {
+                throw ElementError::action("notEditable", "The " + describe(f) + " takes no value");
+            }
+            break;
+        case Kind::select:
+            if (f.selected) break;
+            if (lookup::performed(p.setAttributeValue(r.element, "AXSelected", true)) &&
+                shows([&] { return readBool(r.element, "AXSelected").value_or(false); })) {
+                break;
+            }
+            if (!offers(f, "AXPress")) {
+                throw ElementError::action("refused", "The " + describe(f) + " cannot be selected");
+            }
+            press(r);
+            break;
+        case Kind::expand:
+        case Kind::collapse: {
+            const bool wanted = *kind == Kind::expand;
+            if (!f.expanded) throw ElementError::action("notExpandable", "The " + describe(f) + " cannot be expanded");
+            if (*f.expanded == wanted) {
+                out["changed"] = false;
+                break;
+            }
+            if (!lookup::performed(p.setAttributeValue(r.element, "AXExpanded", wanted))) press(r);
+            if (!shows([&] { return readBool(r.element, "AXExpanded") == wanted; })) {
+                throw ElementError::action("noEffect", "The " + describe(f) + " did not " +
+                                                           (wanted ? "expand" : "collapse"));
+            }
+            out["changed"] = true;
+            break;
+        }
+        case Kind::openMenu:
+            if (!perform(r.element, "AXShowMenu")) {
+                if (!offers(f, "AXPress")) {
+                    throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
+                }
+                press(r);
+            }
+            p.sleep(0.15);
+            out["menu"] = menuItems(format(r.ref));
+            break;
+        case Kind::scroll:
+            if (!perform(r.element, "AXScrollToVisible")) {
+                throw ElementError::action("refused", "The " + describe(f) + " cannot be scrolled into view");
+            }
+            break;
+        case Kind::increment:
+        case Kind::decrement: {
+            const char* action = *kind == Kind::increment ? "AXIncrement" : "AXDecrement";
+            if (!perform(r.element, action)) {
+                throw ElementError::action("refused", "The " + describe(f) + " cannot be " +
+                                                          (*kind == Kind::increment ? "incremented" : "decremented"));
+            }
+            break;
+        }
+    }
+    return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace zeblo::elements

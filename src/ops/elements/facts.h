@@ -1,0 +1,58 @@
+// What the elements area reads of one element, and how it names it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace zeblo::elements {
+
+// The platform's attributes beyond the ones the 25 functions read: the
+// children including those a user cannot see (in order, the seen ones among
+// them in the order of "AXChildren"), and whether an element reached through
+// that list is seen. A backend without them shows everything it lists.
+inline constexpr std::string_view kAllChildren = "ZBAllChildren";
+inline constexpr std::string_view kVisible = "ZBVisible";
+
+struct Facts {
+    std::string role;  // as the platform names it ("AXButton"); "AXUnknown" when unreadable
+    std::string name;  // its title, else its text (labels), else its description, else its label
+    std::string value;  // text, or a number as text; "" when it has none
+    std::string description;  // when it is not the name
+    std::optional<std::int64_t> number;  // an integer value (a check box's state, a slider's position)
+    bool enabled = true;
+    bool focused = false;
+    bool selected = false;
+    std::optional<bool> expanded;  // nothing when it cannot be expanded
+    bool editable = false;
+    bool visible = true;
+    std::vector<std::string> actions;  // the platform's action names ("AXPress")
+
+    bool checkable() const;
+    bool checked() const { return checkable() && number == 1; }
+    bool mixed() const { return checkable() && number == 2; }
+};
+
+// Reads the facts of `element`. `siblings` and `index` (the list it was read
+// from and its place there) let an unnamed field take the name of the label
+// before it. `withActions`: also reads the action names.
+Facts readFacts(const platform::Element& element, const std::vector<platform::Element>* siblings = nullptr,
+                std::size_t index = 0, bool withActions = true);
+
+// The role as the results show it: "AXPopUpButton" is "popupbutton".
+std::string shortRole(std::string_view role);
+// A role as a query gives it ("button", "AXButton", "Pop-up button"),
+// reduced to compare with shortRole.
+std::string roleKey(std::string_view role);
+// "AXPress" is "press", "AXShowMenu" "showmenu".
+std::string shortAction(std::string_view action);
+
+// Roles whose value a user types (text fields and areas, combo boxes with an
+// entry, password and search fields).
+bool isTextEntryRole(std::string_view role);
+
+}  // namespace zeblo::elements

@@ -1,0 +1,211 @@
+// The element interface of the superset library through its C functions on
+// the simulated desktop: trees with references, find, act, wait, keys and
+// the last failure. Every call is checked to leave no handle alive.
+#include "ops/windows/window_fixture.h"
+#include "zeblo/zeblo_plus.h"
+
+namespace zeblo::testing {
+namespace {
+
+Json field(const std::string& id) {
+    Json f = el("AXTextField");
+    f["id"] = id;
+    f["attrs"]["AXValue"] = "";
+    f["settable"] = {"AXValue", "AXFocused"};
+    f["attrs"]["AXFocused"] = false;
+    return f;
+}
+Json label(const std::string& text) {
+    Json l = el("AXStaticText");
+    l["attrs"]["AXValue"] = text;
+    return l;
+}
+
+class Elements : public WindowTest {
+protected:
+    void SetUp() override {
+        Json subscribe = el("AXCheckBox", "Subscribe");
+        subscribe["attrs"]["AXValue"] = 0;
+        subscribe["actions"] = {{"AXPress", 0}};
+        subscribe["onPress"] = "toggle";
+        subscribe["id"] = "subscribe";
+        Json cancel = button("Cancel");
+        cancel["hidden"] = true;
+        Json help = button("Help");
+        help["attrs"]["AXEnabled"] = false;
+        Json item = button("Bold");
+        item["attrs"]["AXRole"] = "AXMenuItem";
+        item["id"] = "bold";
+        Json popover = el("AXMenu", "", {item});
+        popover["id"] = "popover";
+        popover["hidden"] = true;
+        Json options = el("AXMenuButton", "Options", {popover});
+        options["actions"] = {{"AXPress", 0}};
+        options["reveals"] = "popover";
+        Json ok = button("OK");
+        ok["id"] = "ok";
+        Json form = el("AXGroup", "", {label("Name:"), field("name"), label("Email:"), field("email")});
+        loadWindows({window("Contact", {form, subscribe, ok, cancel, help, options})});
+    }
+
+    Json call(const char* result) { return takeJson(result); }
+    Json tree(const Json& query) { return call(zeblo_element_tree(query.dump().c_str())); }
+    Json find(const Json& query) { return call(zeblo_element_find(query.dump().c_str())); }
+    Json act(const std::string& ref, const char* action, const char* value = nullptr) {
+        return call(zeblo_element_act(ref.c_str(), action, value));
+    }
+    Json lastFailure() { return call(zeblo_last_failure()); }
+    // The reference of the one element the query finds.
+    std::string ref(const Json& query) {
+        const Json found = find(query);
+        EXPECT_EQ(found["count"], 1) << found.dump();
+        return found["matches"][0]["ref"].get<std::string>();
+    }
+};
+
+TEST_F(Elements, TreeListsWhatAUserSeesWithReferencesAndLabelledFields) {
+    const Json t = tree({{"app", "Notes"}, {"window", "contact"}});
+    EXPECT_EQ(t["app"], "Notes");
+    EXPECT_EQ(t["pid"], 7);
+    const Json& win = t["tree"][0];
+    EXPECT_EQ(win["role"], "window");
+    EXPECT_EQ(win["name"], "Contact");
+    EXPECT_EQ(win["ref"].get<std::string>().substr(0, 4), "7:0~");
+    // The plain group is left out; its children stand in its place; the
+    // fields take the labels before them as names; hidden ones are not there.
+    std::vector<std::string> names;
+    for (const Json& n : win["children"]) names.push_back(n.value("name", "") + "/" + n["role"].get<std::string>());
+    EXPECT_EQ(names, (std::vector<std::string>{"Name:/statictext", "Name:/textfield", "Email:/statictext",
+                                               "Email:/textfield", "Subscribe/checkbox", "OK/button",
+                                               "Help/button", "Options/menubutton"}));
+    EXPECT_EQ(win["children"][1]["ref"].get<std::string>().substr(0, 8), "7:0.0.1~");
+    EXPECT_EQ(win["children"][1]["states"], Json({"editable"}));
+    EXPECT_EQ(win["children"][6]["states"], Json({"disabled"}));
+    EXPECT_EQ(win["children"][5]["actions"], Json({"press"}));
+
+    // Hidden ones on request, without references.
+    const Json all = tree({{"window", "Contact"}, {"hidden", true}});
+    bool sawCancel = false;
+    for (const Json& n : all["tree"][0]["children"]) {
+        if (n.value("name", "") != "Cancel") continue;
+        sawCancel = true;
+        EXPECT_FALSE(n.contains("ref"));
+        EXPECT_EQ(n["states"], Json({"hidden"}));
+    }
+    EXPECT_TRUE(sawCancel);
+
+    // Limits say what they left out.
+    const Json small = tree({{"maxNodes", 3}});
+    EXPECT_EQ(small["nodes"], 3);
+    EXPECT_GT(small["truncated"]["omitted"].get<int>(), 0);
+    const Json shallow = tree({{"maxDepth", 0}});
+    EXPECT_FALSE(shallow["tree"][0].contains("children"));
+    EXPECT_EQ(shallow["tree"][0]["more"], 5);  // the hidden one is not counted
+}
+
+TEST_F(Elements, FindMatchesRoleNameTextAndState) {
+    EXPECT_EQ(find({{"role", "AXTextField"}})["count"], 2);
+    EXPECT_EQ(find({{"role", "text field"}, {"name", "email"}})["matches"][0]["name"], "Email:");
+    EXPECT_EQ(find({{"role", "button"}, {"state", {{"enabled", false}}}})["matches"][0]["name"], "Help");
+    EXPECT_EQ(find({{"text", "subscr"}})["count"], 1);
+    EXPECT_EQ(find({{"name", "Nothing like it"}})["count"], 0);
+    const Json limited = find({{"role", "statictext"}, {"limit", 1}});
+    EXPECT_EQ(limited["matches"].size(), 1u);
+    EXPECT_EQ(limited["truncated"]["matches"], 1);
+    EXPECT_EQ(find(Json::object())["error"]["kind"], "usage");
+    EXPECT_EQ(find({{"app", "Nope"}, {"name", "x"}})["error"]["case"], "appNotFound");
+    EXPECT_EQ(find({{"window", "Nope"}, {"name", "x"}})["error"]["kind"], "window");
+}
+
+TEST_F(Elements, ActionsByReferenceFillPressCheckAndOpenMenus) {
+    const std::string name = ref({{"role", "textfield"}, {"name", "Name"}});
+    EXPECT_EQ(act(name, "set_value", "Ada")["ok"], true);
+    EXPECT_EQ(act(name, "focus")["ok"], true);
+    const std::string email = ref({{"role", "textfield"}, {"name", "Email"}});
+    EXPECT_EQ(act(email, "fill", "ada@example.org")["ok"], true);
+    EXPECT_EQ(desk().node("name")->findAttr("AXValue")->index(), 1u);
+    EXPECT_EQ(std::get<std::string>(*desk().node("email")->findAttr("AXValue")), "ada@example.org");
+    EXPECT_EQ(std::get<bool>(*desk().node("name")->findAttr("AXFocused")), true);
+
+    const std::string box = ref({{"name", "Subscribe"}});
+    EXPECT_EQ(act(box, "check")["changed"], true);
+    EXPECT_EQ(act(box, "check")["changed"], false);  // already checked: nothing sent
+    EXPECT_EQ(traceOf("action").size(), 1u);
+    EXPECT_EQ(call(zeblo_element_get(box.c_str()))["element"]["states"], Json({"checked"}));
+
+    EXPECT_EQ(act(ref({{"name", "Help"}}), "press")["error"]["case"], "disabled");
+    EXPECT_EQ(act(ref({{"name", "OK"}}), "check")["error"]["case"], "notCheckable");
+    EXPECT_EQ(act(name, "explode")["error"]["kind"], "usage");
+    EXPECT_EQ(act(ref({{"name", "OK"}}), "press")["ok"], true);
+
+    // The popover's items appear once its button opens it.
+    EXPECT_EQ(find({{"role", "menuitem"}})["count"], 0);
+    const Json opened = act(ref({{"name", "Options"}}), "open_menu");
+    ASSERT_EQ(opened["menu"].size(), 1u) << opened.dump();
+    EXPECT_EQ(opened["menu"][0]["name"], "Bold");
+    EXPECT_EQ(act(opened["menu"][0]["ref"].get<std::string>(), "press")["ok"], true);
+    EXPECT_EQ(traceOf("action").back()["element"], "bold");
+}
+
+TEST_F(Elements, StaleReferencesActOnNothing) {
+    const std::string ok = ref({{"name", "OK"}});
+    // Another element at the same place: the check no longer matches.
+    desk().node("ok")->setAttr("AXTitle", std::string("Apply"));
+    const Json stale = act(ok, "press");
+    EXPECT_EQ(stale["error"]["kind"], "stale");
+    EXPECT_NE(stale["error"]["message"].get<std::string>().find("button 'Apply'"), std::string::npos);
+    EXPECT_TRUE(traceOf("action").empty());
+    // A path that leads nowhere, a process that is gone, text that is no reference.
+    EXPECT_EQ(act("7:0.99~0000", "press")["error"]["kind"], "stale");
+    EXPECT_EQ(act("8:0.1~0000", "press")["error"]["kind"], "stale");
+    EXPECT_EQ(act("OK", "press")["error"]["case"], "badReference");
+    EXPECT_EQ(lastFailure()["function"], "zeblo_element_act");
+}
+
+TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
+    Json added = window("Done", {button("Close")});
+    sim::TimelineChange change;
+    change.atMicros = 1'500'000;
+    change.change = {{"addWindow", {{"pid", 7}, {"window", added}}}};
+    desk().addTimelineChange(std::move(change));
+    const Json appeared = call(zeblo_element_wait(R"({"window":"Done","name":"Close","timeout":3000})"));
+    EXPECT_EQ(appeared["element"]["name"], "Close");
+    EXPECT_GE(desk().clock(), 1.5);
+    const Json late = call(zeblo_element_wait(R"({"name":"Never","timeout":300})"));
+    EXPECT_EQ(late["error"]["kind"], "timeout");
+    EXPECT_EQ(call(zeblo_element_wait(R"({"name":"Help","until":"disappears","timeout":200})"))["error"]["kind"],
+              "timeout");
+}
+
+TEST_F(Elements, KeysByNameAreChecked) {
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home"))["chords"], 3);
+    const auto keys = traceOf("key");
+    ASSERT_EQ(keys.size(), 6u);
+    EXPECT_EQ(keys[0]["key"], 17);                      // t
+    EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
+    EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
+    EXPECT_EQ(keys[2]["flags"], 0x20000);
+    EXPECT_EQ(keys[4]["key"], 115);                     // home
+    clearTrace();
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
+    EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
+}
+
+TEST_F(Elements, TheLastFailureExplainsTheTwentyFiveToo) {
+    EXPECT_FALSE(done(zeblo_click_button("Notes", "Contact", "Cancel")));
+    const Json why = lastFailure();
+    EXPECT_EQ(why["function"], "zeblo_click_button");
+    EXPECT_EQ(why["kind"], "window");
+    EXPECT_EQ(why["case"], "buttonNotFound");
+    EXPECT_EQ(why["message"], "Button 'Cancel' not found in window");
+    EXPECT_EQ(why["detail"], "Button 'Cancel' is not visible");
+    // The same line as in the plain library.
+    EXPECT_EQ(logs().back(), "zeblo_click_button error: Button 'Cancel' not found in window");
+    EXPECT_TRUE(done(zeblo_click_button("Notes", "Contact", "OK")));
+    EXPECT_TRUE(lastFailure().is_null());
+    EXPECT_FALSE(done(zeblo_focus_app("Nope", nullptr, false, false, 100)));
+    EXPECT_EQ(lastFailure()["kind"], "app");
+}
+
+}  // namespace
+}  // namespace zeblo::testing
