@@ -189,7 +189,10 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
     }
     Json out = Json::object();
     out["ok"] = true;
-    out["action"] = shortAction(std::string(actionText));
+    static constexpr const char* kCanonical[] = {"press",  "toggle",   "check",    "uncheck",   "focus",
+                                                 "set_value", "select", "expand", "collapse", "open_menu",
+                                                 "scroll_into_view", "increment", "decrement"};
+    out["action"] = kCanonical[static_cast<int>(*kind)];
     out["ref"] = format(r.ref);
     platform::Platform& p = desk();
     switch (*kind) {

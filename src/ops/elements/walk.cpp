@@ -296,7 +296,7 @@ Json factsJson(const std::string& ref, const Facts& f, const Limits& limits) {
     if (!ref.empty()) node["ref"] = ref;
     node["role"] = shortRole(f.role);
     if (!f.name.empty()) node["name"] = capped(f.name, limits.maxText);
-    if (!f.value.empty()) node["value"] = capped(f.value, limits.maxText);
+    if (!f.value.empty() && f.value != f.name) node["value"] = capped(f.value, limits.maxText);
     if (!f.description.empty()) node["description"] = capped(f.description, limits.maxText);
     Json states = Json::array();
     if (!f.enabled) states.push_back("disabled");
@@ -308,11 +308,15 @@ Json factsJson(const std::string& ref, const Facts& f, const Limits& limits) {
     if (f.expanded) states.push_back(*f.expanded ? "expanded" : "collapsed");
     if (f.editable) states.push_back("editable");
     if (!states.empty()) node["states"] = std::move(states);
+    // The actions act_on_element can take; a toolkit's own actions
+    // ("expand or contract", "edit") are not listed.
+    static constexpr std::string_view kListed[] = {"AXPress",     "AXShowMenu", "AXIncrement", "AXDecrement",
+                                                   "AXConfirm",   "AXCancel",   "AXPick",      "AXRaise"};
     Json actions = Json::array();
-    for (const std::string& a : f.actions) {
-        std::string name = shortAction(a);
-        if (!name.empty() && std::find(actions.begin(), actions.end(), name) == actions.end())
-            actions.push_back(std::move(name));
+    for (const std::string_view listed : kListed) {
+        if (std::find(f.actions.begin(), f.actions.end(), listed) != f.actions.end()) {
+            actions.push_back(shortAction(listed));
+        }
     }
     if (!actions.empty()) node["actions"] = std::move(actions);
     return node;

@@ -12,6 +12,10 @@ bool isMenuItemRole(AtspiRole role) {
 
 std::optional<AttributeRead> readState(const Reading& r, std::string_view attribute) {
     if (attribute == "AXEnabled") return ok(r.has(ATSPI_STATE_SENSITIVE));
+    if (attribute == "AXFocused") return ok(r.has(ATSPI_STATE_FOCUSED));
+    // Selection and expansion only for the elements that can have them.
+    if (attribute == "AXSelected") return r.has(ATSPI_STATE_SELECTABLE) ? ok(r.has(ATSPI_STATE_SELECTED)) : unsupported();
+    if (attribute == "AXExpanded") return r.has(ATSPI_STATE_EXPANDABLE) ? ok(r.has(ATSPI_STATE_EXPANDED)) : unsupported();
     if (!isMenuItemRole(r.role)) return std::nullopt;
     if (attribute == "AXMenuItemMarkChar") {
         if (r.has(ATSPI_STATE_CHECKED)) return ok(std::string("\xE2\x9C\x93"));  // ✓

@@ -55,8 +55,9 @@ bool seen(Sight sight, AtspiAccessible* child, const Survey* survey, AtspiRole& 
 }
 
 // The children a user can see (all of them under Sight::everything), each
-// to be judged in turn by the sight below this node.
-AttributeRead children(const Reading& r) {
+// to be judged in turn by the sight below this node; with `all`, every child,
+// each marked with whether it is seen.
+AttributeRead children(const Reading& r, bool all) {
     LinuxPlatform& p = r.platform;
     if (r.role == ATSPI_ROLE_APPLICATION) return windows(r);
     // A walk starts here: one bulk read serves it (and its children).
@@ -79,9 +80,12 @@ AttributeRead children(const Reading& r) {
             continue;
         }
         AtspiRole role = ATSPI_ROLE_INVALID;
-        if (sight != Sight::everything && !seen(sight, child, survey.get(), role)) continue;
-        elements.push_back(
-            p.wrap(AccessibleRef::retain(child), Node::Kind::accessible, survey, sightBelow(sight, role)));
+        const bool shown = sight == Sight::everything || seen(sight, child, survey.get(), role);
+        if (!shown && !all) continue;
+        Element element =
+            p.wrap(AccessibleRef::retain(child), Node::Kind::accessible, survey, sightBelow(sight, role));
+        if (all) p.node(element)->shown = shown && r.node.shown.value_or(true);
+        elements.push_back(std::move(element));
     }
     return ok(std::move(elements));
 }
@@ -113,7 +117,9 @@ std::optional<AttributeRead> readApplication(const Reading& r, std::string_view 
 }  // namespace
 
 std::optional<AttributeRead> readTree(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXChildren") return children(r);
+    if (attribute == "AXChildren") return children(r, false);
+    if (attribute == "ZBAllChildren") return children(r, true);
+    if (attribute == "ZBVisible") return ok(r.node.shown.value_or(true));
     if (r.role == ATSPI_ROLE_APPLICATION) return readApplication(r, attribute);
     if (attribute == "AXMenu" && r.role == ATSPI_ROLE_COMBO_BOX) {
         // GTK's popup is a menu, Qt's a list.

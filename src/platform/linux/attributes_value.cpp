@@ -1,4 +1,5 @@
 // "AXValue": toggles' states, texts, labels and combo boxes' current items.
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -106,6 +107,16 @@ std::optional<AttributeRead> readValue(const Reading& r, std::string_view attrib
         return ok(std::move(label));
     }
     if (role == ATSPI_ROLE_COMBO_BOX) return ok(r.name());
+    if (role == ATSPI_ROLE_SLIDER || role == ATSPI_ROLE_SCROLL_BAR || role == ATSPI_ROLE_PROGRESS_BAR ||
+        role == ATSPI_ROLE_DIAL) {
+        // A position: read as the nearest whole number.
+        const Ref<AtspiValue> value = Ref<AtspiValue>::adopt(atspi_accessible_get_value_iface(r.object));
+        if (!value) return unsupported();
+        Error error;
+        const double current = atspi_value_get_current_value(value.get(), out(error));
+        if (error) return AttributeRead{kAXErrorCannotComplete, {}};
+        return ok(static_cast<std::int64_t>(std::llround(current)));
+    }
     return unsupported();
 }
 

@@ -2,7 +2,9 @@
 // press, activate or toggle action; "AXValue" is written through the
 // EditableText interface (text) or by toggling a check box until it shows the
 // wanted state.
+#include <algorithm>
 #include <chrono>
+#include <initializer_list>
 
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
@@ -165,6 +167,116 @@ AXError pressOrTwin(LinuxPlatform& p, AtspiAccessible* object) {
     return code;
 }
 
+bool performedCode(AXError code) { return code == kAXErrorSuccess || code == kAXErrorCannotComplete; }
+
+// Brings the window of `object` to the front when it is not, so that the
+// focus and keys reach it.
+bool frontWindowOf(LinuxPlatform& p, AtspiAccessible* object) {
+    Error error;
+    const auto pid = static_cast<std::int32_t>(atspi_accessible_get_process_id(object, out(error)));
+    if (error) return false;
+    Session& session = p.session();
+    return session.activeWindowPid() == pid || session.activate(pid);
+}
+
+// Gives `object` the keyboard focus; done once it shows the focused state.
+AXError focus(LinuxPlatform& p, AtspiAccessible* object) {
+    if (!hasState(object, ATSPI_STATE_FOCUSABLE)) return kAXErrorActionUnsupported;
+    if (!frontWindowOf(p, object)) return kAXErrorFailure;
+    const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
+    if (!component) return kAXErrorActionUnsupported;
+    Error error;
+    const auto start = std::chrono::steady_clock::now();
+    const gboolean done = atspi_component_grab_focus(component.get(), out(error));
+    return outcome(start, error != nullptr, done);
+}
+
+// The index of the first action of `object` named (in any case) one of
+// `wanted`, or -1.
+int actionIndex(AtspiAccessible* object, std::initializer_list<const char*> wanted) {
+    const std::vector<std::string> names = actionNamesOf(object).value_or(std::vector<std::string>{});
+    for (const char* name : wanted) {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (g_ascii_strcasecmp(names[i].c_str(), name) == 0) return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+AXError doAction(AtspiAccessible* object, int index) {
+    if (index < 0) return kAXErrorActionUnsupported;
+    switch (runAction(object, index)) {
+        case ActionRun::done: return kAXErrorSuccess;
+        case ActionRun::unanswered: return kAXErrorCannotComplete;
+        case ActionRun::refused: break;
+    }
+    return kAXErrorFailure;
+}
+
+// The actions that open an element's menu: Qt's "ShowMenu", Chromium's
+// context menu.
+constexpr std::initializer_list<const char*> kMenuActions = {"showmenu", "show menu", "showcontextmenu", "popup",
+                                                             "context menu"};
+
+// Opens the menu of `object`: its own action, else as a user would with the
+// keyboard, the element focused and Shift+F10 pressed (GTK, Qt and the
+// browsers open an element's context menu so).
+AXError showMenu(LinuxPlatform& p, AtspiAccessible* object) {
+    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorFailure;
+    if (const int index = actionIndex(object, kMenuActions); index >= 0) return doAction(object, index);
+    if (!performedCode(focus(p, object))) return kAXErrorActionUnsupported;
+    Session& session = p.session();
+    constexpr std::uint16_t kF10 = 109;  // the library's key code
+    if (!session.press(kF10, KeyRequest{0xffc7 /* F10 */, 0, kShiftBit})) return kAXErrorFailure;
+    session.release(kF10);
+    p.touch();
+    return kAXErrorSuccess;
+}
+
+// Moves a slider or spin button by its step (1 when it gives none).
+AXError step(AtspiAccessible* object, int direction) {
+    const Ref<AtspiValue> value = Ref<AtspiValue>::adopt(atspi_accessible_get_value_iface(object));
+    if (!value) return kAXErrorActionUnsupported;
+    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorFailure;
+    Error error;
+    const double current = atspi_value_get_current_value(value.get(), out(error));
+    double increment = error ? 0 : atspi_value_get_minimum_increment(value.get(), out(error));
+    const double low = error ? 0 : atspi_value_get_minimum_value(value.get(), out(error));
+    const double high = error ? 0 : atspi_value_get_maximum_value(value.get(), out(error));
+    if (error) return kAXErrorCannotComplete;
+    if (increment <= 0) increment = 1;
+    const double wanted = std::clamp(current + direction * increment, low, std::max(low, high));
+    const auto start = std::chrono::steady_clock::now();
+    const gboolean done = atspi_value_set_current_value(value.get(), wanted, out(error));
+    return outcome(start, error != nullptr, done);
+}
+
+// Selects `object` among its parent's children (a tab, a list row).
+AXError select(AtspiAccessible* object) {
+    if (!hasState(object, ATSPI_STATE_SELECTABLE)) return kAXErrorActionUnsupported;
+    Error error;
+    const AccessibleRef parent = AccessibleRef::adopt(atspi_accessible_get_parent(object, out(error)));
+    const int index = error ? -1 : atspi_accessible_get_index_in_parent(object, out(error));
+    const Ref<AtspiSelection> selection =
+        parent ? Ref<AtspiSelection>::adopt(atspi_accessible_get_selection_iface(parent.get())) : Ref<AtspiSelection>();
+    if (!selection || index < 0) return kAXErrorActionUnsupported;
+    const auto start = std::chrono::steady_clock::now();
+    const gboolean done = atspi_selection_select_child(selection.get(), index, out(error));
+    return outcome(start, error != nullptr, done);
+}
+
+// Expands or collapses `object` through its own action; done when its
+// expanded state is the wanted one already.
+AXError expand(LinuxPlatform& p, AtspiAccessible* object, bool wanted) {
+    if (!hasState(object, ATSPI_STATE_EXPANDABLE)) return kAXErrorActionUnsupported;
+    if (hasState(object, ATSPI_STATE_EXPANDED) == wanted) return kAXErrorSuccess;
+    if (const int index = actionIndex(object, {"expand or contract", wanted ? "expand" : "collapse", "toggle"});
+        index >= 0) {
+        return doAction(object, index);
+    }
+    return pressOrTwin(p, object);
+}
+
 // Asks the window system to close `window` (an AT-SPI frame or dialog): the
 // process's window titled with the frame's name (session.h).
 AXError closeWindow(LinuxPlatform& p, AtspiAccessible* window) {
@@ -183,8 +295,21 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     touch();
     Node* n = node(element);
     if (n == nullptr) return kAXErrorIllegalArgument;
-    if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
     try {
+        if (n->kind == Node::Kind::accessible) {
+            AtspiAccessible* object = n->object.get();
+            if (action == "AXShowMenu") return showMenu(*this, object);
+            if (action == "AXIncrement" || action == "AXDecrement") return step(object, action == "AXIncrement" ? 1 : -1);
+            if (action == "AXScrollToVisible") {
+                const Ref<AtspiComponent> component =
+                    Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
+                if (!component) return kAXErrorActionUnsupported;
+                Error error;
+                const gboolean done = atspi_component_scroll_to(component.get(), ATSPI_SCROLL_ANYWHERE, out(error));
+                return error ? kAXErrorFailure : done ? kAXErrorSuccess : kAXErrorFailure;
+            }
+        }
+        if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
         switch (n->kind) {
             case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
             case Node::Kind::accessible: return pressOrTwin(*this, n->object.get());
@@ -201,15 +326,23 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
-    std::optional<std::vector<std::string>> names = actionNamesOf(n->object.get());
+    // A walk's elements read their action names from its survey, all in
+    // one batch.
+    const std::vector<std::string>* known = surveyed(*n) != nullptr ? n->survey->actions(n->object.get()) : nullptr;
+    std::optional<std::vector<std::string>> names = known != nullptr ? std::optional(*known)
+                                                                     : actionNamesOf(n->object.get());
     if (!names) return {kAXErrorCannotComplete, std::nullopt};
     // Press-like actions are listed under the name the library presses.
     std::vector<std::string> out;
     bool pressListed = false;
     for (std::string& name : *names) {
+        bool menu = false;
+        for (const char* m : kMenuActions) menu = menu || g_ascii_strcasecmp(name.c_str(), m) == 0;
         if (isPressName(name)) {
             if (!pressListed) out.emplace_back("AXPress");
             pressListed = true;
+        } else if (menu) {
+            out.emplace_back("AXShowMenu");
         } else {
             out.push_back(std::move(name));
         }
@@ -222,6 +355,17 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     touch();
     Node* n = node(element);
     if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
+    try {
+        if (const auto* flag = std::get_if<bool>(&value)) {
+            AtspiAccessible* object = n->object.get();
+            if (attribute == "AXFocused") return *flag ? focus(*this, object) : kAXErrorAttributeUnsupported;
+            if (attribute == "AXSelected") return *flag ? select(object) : kAXErrorAttributeUnsupported;
+            if (attribute == "AXExpanded") return expand(*this, object, *flag);
+            return kAXErrorAttributeUnsupported;
+        }
+    } catch (...) {
+        return kAXErrorFailure;
+    }
     if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
     const AtspiRole role = roleOf(*n);
     if (const auto* text = std::get_if<std::string>(&value)) {
@@ -251,7 +395,16 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
         return outcome(start, error != nullptr, done);
     }
     const std::int64_t wanted = std::get<std::int64_t>(value);
-    if (!isToggleRole(role)) return kAXErrorAttributeUnsupported;
+    if (!isToggleRole(role)) {
+        // A position (a slider's).
+        const Ref<AtspiValue> position = Ref<AtspiValue>::adopt(atspi_accessible_get_value_iface(n->object.get()));
+        if (!position) return kAXErrorAttributeUnsupported;
+        Error error;
+        const auto start = std::chrono::steady_clock::now();
+        const gboolean done =
+            atspi_value_set_current_value(position.get(), static_cast<double>(wanted), out(error));
+        return outcome(start, error != nullptr, done);
+    }
     if (wanted != 0 && wanted != 1) return kAXErrorIllegalArgument;
     const bool checked = hasState(n->object.get(), ATSPI_STATE_CHECKED);
     if (checked == (wanted == 1)) return kAXErrorSuccess;
@@ -267,6 +420,10 @@ SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::str
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
     if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_SENSITIVE)};
     if (!isTextRole(role)) return {kAXErrorSuccess, false};
+    if (const Survey::Item* item = surveyed(*n)) {
+        const auto has = [&](AtspiStateType s) { return ((item->states >> s) & 1) != 0; };
+        return {kAXErrorSuccess, (item->hasEditableText || has(ATSPI_STATE_FOCUSED)) && has(ATSPI_STATE_EDITABLE)};
+    }
     // Without the EditableText interface only the focused field can be
     // written (by typing into it).
     const bool editable =

@@ -58,6 +58,9 @@ struct Node {
     // What the node's children are judged by (sight.h); set from the element
     // it was reached through, else from its application's toolkit.
     std::optional<Sight> sight;
+    // Whether a user sees the element, for one reached through the list of
+    // every child ("ZBAllChildren"); unknown (seen) otherwise.
+    std::optional<bool> shown;
     // The bulk read of the walk this node was reached in, if any.
     std::shared_ptr<const Survey> survey;
     std::optional<std::string> keyBinding;  // read once per node

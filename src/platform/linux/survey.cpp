@@ -82,6 +82,7 @@ std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
         item.hasAction |= interface == "org.a11y.atspi.Action";
         item.hasText |= interface == "org.a11y.atspi.Text";
         item.hasComponent |= interface == "org.a11y.atspi.Component";
+        item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
     }
     item.childCount = -1;
     return item;
@@ -140,6 +141,7 @@ bool Survey::read(AtspiAccessible* root) {
             item.hasAction |= interface == "org.a11y.atspi.Action";
             item.hasText |= interface == "org.a11y.atspi.Text";
             item.hasComponent |= interface == "org.a11y.atspi.Component";
+            item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
         }
         dbus_message_iter_next(&field);
         item.name = readString(&field);
@@ -420,6 +422,39 @@ void Survey::readSizes() const {
     const std::vector<Message> answers = callAll(bus_, calls);
     for (std::size_t i = 0; i < asked.size(); ++i) {
         if (const auto box = rectangleAnswer(answers[i])) sizes_->emplace(*asked[i], Size{(*box)[2], (*box)[3]});
+    }
+}
+
+const std::vector<std::string>* Survey::actions(AtspiAccessible* object) const {
+    if (find(object) == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
+    if (!actions_) readActions();
+    const auto found = actions_->find(pathOf(object));
+    return found != actions_->end() ? &found->second : nullptr;
+}
+
+void Survey::readActions() const {
+    // The action names of every object under the root with the Action
+    // interface, in one batch; the others have none.
+    if (!completed_) complete();
+    actions_.emplace();
+    std::vector<const std::string*> asked;
+    for (const auto& [path, object] : under_) {
+        const auto item = items_.find(path);
+        if (item == items_.end()) continue;
+        if (item->second.hasAction) {
+            asked.push_back(&path);
+        } else {
+            actions_->emplace(path, std::vector<std::string>{});
+        }
+    }
+    std::vector<Message> calls;
+    calls.reserve(asked.size());
+    for (const std::string* path : asked) {
+        calls.push_back(methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Action", "GetActions"));
+    }
+    const std::vector<Message> answers = callAll(bus_, calls);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (auto names = firstOfTriplesAnswer(answers[i])) actions_->emplace(*asked[i], std::move(*names));
     }
 }
 

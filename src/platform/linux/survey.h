@@ -50,6 +50,7 @@ public:
         bool hasAction = false;
         bool hasText = false;
         bool hasComponent = false;
+        bool hasEditableText = false;
         // The children, in order, when every one of them is known; borrowed
         // from the survey (valid while it lives).
         std::vector<AtspiAccessible*> children;
@@ -82,6 +83,10 @@ public:
     // cannot tell (or the object has none to give). All of them are asked
     // for at once, on the first call.
     std::optional<Size> size(AtspiAccessible* object) const;
+    // The action names of an object under the root (none for one without
+    // the Action interface), or null when the survey cannot tell. All of them
+    // are asked for at once, on the first call.
+    const std::vector<std::string>* actions(AtspiAccessible* object) const;
     std::uint64_t generation() const { return generation_; }
     std::size_t size() const { return items_.size(); }
 
@@ -109,6 +114,7 @@ private:
     void readKeyBindings() const;
     void readTexts() const;
     void readSizes() const;
+    void readActions() const;
     // Sets `item`'s children (it is the object at `owner`) from a
     // GetChildren answer, when every child is under the root.
     void takeChildren(const std::string& owner, Item& item, const Message& answer) const;
@@ -131,6 +137,7 @@ private:
     mutable std::optional<ByPath> keyBindings_;
     mutable std::optional<ByPath> texts_;
     mutable std::optional<std::unordered_map<std::string, Size>> sizes_;
+    mutable std::optional<std::unordered_map<std::string, std::vector<std::string>>> actions_;
     Counted counted_;
 };
 
