@@ -210,7 +210,9 @@ public:
     // cannot see (Linux): "ZBAllChildren", the children including those, in
     // order, the others among them in the order of "AXChildren"; and
     // "ZBVisible", whether an element reached through that list is seen. A
-    // backend that lists only what is seen may leave both unsupported.
+    // backend that lists only what is seen may leave both unsupported. A
+    // third, "ZBName", is the name the toolkit gives an element whose name
+    // is not its title (a text field's accessible label on Linux).
     virtual Element createApplicationElement(std::int32_t pid) = 0;
     virtual Element createSystemWideElement() = 0;
     virtual AttributeRead copyAttributeValue(const Element& element, std::string_view attribute) = 0;

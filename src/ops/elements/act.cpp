@@ -92,7 +92,8 @@ Json menuItems(const std::string& ref) {
     limits.maxNodes = 200;
     limits.maxDepth = 12;
     const Walk w = walk(scope, limits, [](const Visited& v) {
-        return v.facts.role == "AXMenuItem" || v.facts.role == "AXMenuBarItem";
+        // A popover itself (GTK 4 calls it a menu) is no item to choose.
+        return (v.facts.role == "AXMenuItem" || v.facts.role == "AXMenuBarItem") && !v.facts.name.empty();
     });
     Json items = Json::array();
     for (const Visited& v : w.nodes) {
@@ -259,16 +260,32 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             out["changed"] = true;
             break;
         }
-        case Kind::openMenu:
-            if (!perform(r.element, "AXShowMenu")) {
-                if (!offers(f, "AXPress")) {
-                    throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
-                }
+        case Kind::openMenu: {
+            // A button's menu opens as the button is pressed (a menu button,
+            // a pop-up button, a menu bar item); any other element's menu is
+            // its context menu.
+            static constexpr std::string_view kPressedOpen[] = {"AXButton", "AXPopUpButton", "AXMenuButton",
+                                                                "AXMenuBarItem", "AXMenuItem", "AXComboBox"};
+            const bool pressedOpen =
+                !offers(f, "AXShowMenu") && offers(f, "AXPress") &&
+                std::find(std::begin(kPressedOpen), std::end(kPressedOpen), f.role) != std::end(kPressedOpen);
+            if (pressedOpen) {
                 press(r);
+            } else if (!perform(r.element, "AXShowMenu")) {
+                throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
             }
             p.sleep(0.15);
-            out["menu"] = menuItems(format(r.ref));
+            // The items come under the element, or beside it (GTK 4 puts a
+            // menu button's popover beside its inner button), or elsewhere
+            // in its window.
+            Json items = menuItems(format(r.ref));
+            for (const std::size_t up : {std::size_t{1}, std::size_t{2}, r.ref.path.size()}) {
+                if (!items.empty() || up > r.ref.path.size()) break;
+                items = menuItems(format(ancestorOf(r.ref, up)));
+            }
+            out["menu"] = std::move(items);
             break;
+        }
         case Kind::scroll:
             if (!perform(r.element, "AXScrollToVisible")) {
                 throw ElementError::action("refused", "The " + describe(f) + " cannot be scrolled into view");

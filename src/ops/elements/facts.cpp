@@ -112,8 +112,12 @@ Facts readFacts(const Element& e, const std::vector<Element>* siblings, std::siz
         f.value.clear();
     }
     if (f.name.empty() && !f.description.empty()) f.name = std::move(f.description);
-    if (f.name.empty() && siblings != nullptr && index < siblings->size() && isFieldRole(f.role)) {
-        f.name = labelBefore(*siblings, index);
+    if (f.name.empty() && isFieldRole(f.role)) {
+        // A field is called by its accessible label, else by the hint it
+        // shows while empty, else by the label before it.
+        f.name = readText(e, kToolkitName);
+        if (f.name.empty()) f.name = readText(e, "AXPlaceholderValue");
+        if (f.name.empty() && siblings != nullptr && index < siblings->size()) f.name = labelBefore(*siblings, index);
     }
     if (f.description == f.name) f.description.clear();
 

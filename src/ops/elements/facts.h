@@ -17,6 +17,7 @@ namespace zeblo::elements {
 // that list is seen. A backend without them shows everything it lists.
 inline constexpr std::string_view kAllChildren = "ZBAllChildren";
 inline constexpr std::string_view kVisible = "ZBVisible";
+inline constexpr std::string_view kToolkitName = "ZBName";
 
 struct Facts {
     std::string role;  // as the platform names it ("AXButton"); "AXUnknown" when unreadable

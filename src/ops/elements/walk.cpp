@@ -79,6 +79,21 @@ Scope scopeOf(const Json& query) {
     return scope;
 }
 
+namespace {
+
+// The element at the end of `ref`'s path (its check not verified), the list
+// it was read from and its index there.
+struct Reached {
+    Element element;
+    std::vector<Element> siblings;
+    std::size_t index = 0;
+    std::string appName;
+};
+
+Reached reach(const Reference& ref, const std::string& shown);
+
+}  // namespace
+
 Resolved resolve(std::string_view text) {
     const std::optional<Reference> parsed = parseReference(text);
     const std::string shown(text.substr(0, 80));
@@ -86,9 +101,35 @@ Resolved resolve(std::string_view text) {
         throw ElementError::usage("badReference",
                                   "'" + shown + "' is not an element reference (such as 1234:0.3.1~9f2c)");
     }
-    platform::Platform& p = desk();
+    Reached at = reach(*parsed, shown);
     Resolved out;
     out.ref = *parsed;
+    out.appName = std::move(at.appName);
+    out.facts = readFacts(at.element, parsed->path.empty() ? nullptr : &at.siblings, at.index);
+    if (checkOf(out.facts.role, out.facts.name) != parsed->check) {
+        throw ElementError::stale(shown, "the element there is now " + shortRole(out.facts.role) +
+                                             (out.facts.name.empty() ? std::string()
+                                                                     : " '" + capped(out.facts.name, 60) + "'"));
+    }
+    out.element = std::move(at.element);
+    return out;
+}
+
+Reference ancestorOf(const Reference& ref, std::size_t levels) {
+    Reference up = ref;
+    up.path.resize(up.path.size() - std::min(levels, up.path.size()));
+    Reached at = reach(up, format(up));
+    const Facts facts = readFacts(at.element, up.path.empty() ? nullptr : &at.siblings, at.index);
+    up.check = checkOf(facts.role, facts.name);
+    return up;
+}
+
+namespace {
+
+Reached reach(const Reference& ref, const std::string& shown) {
+    const Reference* parsed = &ref;
+    platform::Platform& p = desk();
+    Reached out;
     bool running = false;
     for (const platform::RunningApp& app : p.runningApplications()) {
         if (app.pid != parsed->pid) continue;
@@ -112,26 +153,20 @@ Resolved resolve(std::string_view text) {
         }
         at = std::move(windows[parsed->window]);
     }
-    std::vector<Element> siblings;
-    std::size_t index = 0;
     for (const std::size_t step : parsed->path) {
         std::vector<Element> children = childrenOf(at, false);
         if (step >= children.size() || !children[step]) {
             throw ElementError::stale(shown, "the element is gone (or no longer shown)");
         }
         at = children[step];
-        siblings = std::move(children);
-        index = step;
-    }
-    out.facts = readFacts(at, parsed->path.empty() ? nullptr : &siblings, index);
-    if (checkOf(out.facts.role, out.facts.name) != parsed->check) {
-        throw ElementError::stale(shown, "the element there is now " + shortRole(out.facts.role) +
-                                             (out.facts.name.empty() ? std::string()
-                                                                     : " '" + capped(out.facts.name, 60) + "'"));
+        out.siblings = std::move(children);
+        out.index = step;
     }
     out.element = std::move(at);
     return out;
 }
+
+}  // namespace
 
 bool plainContainer(const Facts& f) {
     static constexpr std::string_view kContainers[] = {
@@ -149,6 +184,21 @@ bool plainContainer(const Facts& f) {
     return f.name.empty() && f.value.empty() && f.description.empty() && !acts && !f.focused && !f.selected &&
            !f.expanded.has_value() && !f.editable;
 }
+
+namespace {
+
+// Whether `v` is a label that only repeats the name of the element it is
+// in (a button's own label): nothing a user can tell apart.
+bool echoes(const Visited& v, const Walk& w) {
+    if (v.facts.role != "AXStaticText" || v.facts.name.empty()) return false;
+    for (int up = v.parent, steps = 0; up >= 0 && steps < 3; up = w.nodes[up].parent, ++steps) {
+        if (w.nodes[up].facts.name == v.facts.name) return true;
+        if (w.nodes[up].listed) break;
+    }
+    return false;
+}
+
+}  // namespace
 
 Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(const Visited&)>& keep) {
     platform::Platform& p = desk();
@@ -270,7 +320,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
             v.depth = w.nodes[next].depth + 1;
             v.shown = shownBelow;
             v.parent = static_cast<int>(next);
-            v.listed = listable(v);
+            v.listed = listable(v) && !echoes(v, w);
             v.element = child;  // the list still serves its later siblings' labels
             if (v.listed) {
                 ++listed;

@@ -39,6 +39,9 @@ struct Resolved {
 // Resolves `text` and verifies its check; throws the "stale" kind when the
 // element is gone or is another one now.
 Resolved resolve(std::string_view text);
+// The reference of the element `levels` above the one `ref` leads to (at
+// most its window or menu bar), with the check of what is there now.
+Reference ancestorOf(const Reference& ref, std::size_t levels);
 
 // The limits of a walk.
 struct Limits {

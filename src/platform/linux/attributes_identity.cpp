@@ -52,6 +52,14 @@ int Reading::childCount() const {
 
 std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view attribute) {
     if (attribute == "AXRole") return ok(axRole(r.node));
+    if (attribute == "ZBName") return ok(r.name());
+    if (attribute == "AXPlaceholderValue") {
+        if (!isTextRole(r.role)) return unsupported();
+        const HashTable attributes(atspi_accessible_get_attributes(r.object, nullptr));
+        const char* hint = attributes ? static_cast<const char*>(g_hash_table_lookup(attributes.get(), "placeholder-text"))
+                                      : nullptr;
+        return ok(std::string(hint != nullptr ? hint : ""));
+    }
     if (attribute == "AXTitle") {
         // Labels and texts have their text as value, not as title.
         if (r.role == ATSPI_ROLE_LABEL || r.role == ATSPI_ROLE_STATIC || isTextRole(r.role)) return unsupported();
