@@ -72,7 +72,7 @@ TEST_F(Mcp, MalformedMessagesGetJsonRpcErrors) {
 TEST_F(Mcp, ToolListNamesSchemasAndHints) {
     load("{}");
     const Json tools = request("tools/list")["result"]["tools"];
-    ASSERT_EQ(tools.size(), 24u);
+    ASSERT_EQ(tools.size(), 29u);  // the 24 operations and the 5 element tools
     std::set<std::string> readOnly, idempotentActs;
     for (const Json& tool : tools) {
         const std::string name = tool["name"];
@@ -92,7 +92,8 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
     EXPECT_EQ(readOnly, (std::set<std::string>{"get_app_menus", "menu_item_exists", "menu_item_enabled",
                                                "get_window_buttons", "get_window_text", "get_frontmost_info",
                                                "get_running_apps", "is_in_text_field", "window_exists",
-                                               "get_window_titles", "wait_for_window"}));
+                                               "get_window_titles", "wait_for_window", "get_ui_tree",
+                                               "find_elements", "wait_for_element"}));
     // Repeating these changes nothing more; typing, clicking or closing twice does.
     EXPECT_EQ(idempotentActs, (std::set<std::string>{"set_checkbox_value", "get_popup_menu_items", "focus_app"}));
     const Json& click = tools[1];

@@ -18,7 +18,7 @@ assert.deepEqual(client.getServerCapabilities().tools, { listChanged: false });
 assert.match(client.getInstructions(), /get_running_apps/);
 
 const { tools } = await client.listTools();
-assert.equal(tools.length, 24);
+assert.equal(tools.length, 29);
 const byName = Object.fromEntries(tools.map((t) => [t.name, t]));
 assert.equal(byName.get_window_text.annotations.readOnlyHint, true);
 assert.equal(byName.menu_click.annotations.destructiveHint, true);

@@ -14,6 +14,7 @@ struct Args {
     std::vector<std::string> values;
     bool mark = false;   // --mark (type)
     bool enter = false;  // --enter (fill)
+    bool hidden = false; // --hidden (tree)
 };
 
 // Thrown for a usage error: the tool prints the command's usage and exits 2.
@@ -36,6 +37,7 @@ void addAppCommands(Commands& commands);
 void addMenuCommands(Commands& commands);
 void addKeyboardCommands(Commands& commands);
 void addWindowCommands(Commands& commands);
+void addElementCommands(Commands& commands);
 
 // Prints a string result (JSON text) and a line break, frees it; exit code 0.
 int printString(const char* result);

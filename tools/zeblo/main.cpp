@@ -35,6 +35,7 @@ Commands allCommands() {
     zeblo::cli::addKeyboardCommands(commands);
     zeblo::cli::addWindowCommands(commands);
     zeblo::cli::addAppCommands(commands);
+    zeblo::cli::addElementCommands(commands);
     // The MCP server: requests on standard input, answers on standard output.
     commands.push_back({"mcp", "", 0, 0, {}, [](const Args&) {
                             zeblo::mcp::Server server;
@@ -118,6 +119,7 @@ int main(int argc, char** argv) {
         }
         if (isFlag && arg == "--mark") args.mark = true;
         else if (isFlag && arg == "--enter") args.enter = true;
+        else if (isFlag && arg == "--hidden") args.hidden = true;
         else args.values.push_back(arg);
     }
     if (args.values.size() < command->minArgs || args.values.size() > command->maxArgs) {

@@ -148,7 +148,10 @@ Json checkedArguments(const Tool& tool, const Json& given) {
 }
 
 Json toolResult(const Outcome& outcome) {
-    return {{"content", Json::array({{{"type", "text"}, {"text", outcome.text}}})}, {"isError", outcome.isError}};
+    Json content = Json::array({{{"type", "text"}, {"text", outcome.text}}});
+    // A failure's kind and case, for an agent to branch on.
+    if (outcome.isError && !outcome.failure.empty()) content.push_back({{"type", "text"}, {"text", outcome.failure}});
+    return {{"content", std::move(content)}, {"isError", outcome.isError}};
 }
 
 Json errorAnswer(const Json& id, int code, const std::string& message) {

@@ -53,14 +53,21 @@ public:
     std::int64_t integer(const std::string& name) const;
     std::vector<std::int64_t> integers(const std::string& name) const;
     bool flag(const std::string& name) const;
+    // The value as given (null for an optional one not given).
+    const Json& value(const std::string& name) const { return values_.at(name); }
 
 private:
     Json values_;
 };
 
 struct Outcome {
+    Outcome(std::string text_, bool isError_ = false, std::string failure_ = {})
+        : text(std::move(text_)), isError(isError_), failure(std::move(failure_)) {}
     std::string text;  // the operation's JSON, or its failure text
     bool isError = false;
+    // For a failure, {"kind", "case", ...} as zeblo_last_failure tells it
+    // (empty when it cannot tell).
+    std::string failure;
 };
 
 struct Tool {
@@ -73,8 +80,12 @@ struct Tool {
     std::function<Outcome(const Arguments&)> run;
 };
 
-// The 24 tools, one per operation (zeblo_free_string has none).
+// The 24 tools, one per operation (zeblo_free_string has none), and the
+// element tools (mcp_element_tools.cpp).
 const std::vector<Tool>& allTools();
+void addElementTools(std::vector<Tool>& tools);
+// The calling thread's last failure, {"kind", "case", ...}, or "" (none).
+std::string lastFailure();
 
 class Server {
 public:

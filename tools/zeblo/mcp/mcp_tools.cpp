@@ -73,7 +73,7 @@ Outcome fromString(const char* result) {
     std::string text(result);
     const Json parsed = Json::parse(text, nullptr, false);
     if (parsed.is_object() && parsed.size() == 1 && parsed.contains("error") && parsed["error"].is_string()) {
-        return {explained(parsed["error"].get<std::string>()), true};
+        return {explained(parsed["error"].get<std::string>()), true, lastFailure()};
     }
     return {std::move(text), false};
 }
@@ -85,9 +85,9 @@ Outcome fromBool(bool ok, const platform::LogCapture& log, std::string_view func
     if (ok || quiet) return {ok ? "true" : "false", false};
     const std::string prefix = std::string(function) + " error: ";
     for (auto it = log.lines().rbegin(); it != log.lines().rend(); ++it) {
-        if (it->rfind(prefix, 0) == 0) return {explained(it->substr(prefix.size())), true};
+        if (it->rfind(prefix, 0) == 0) return {explained(it->substr(prefix.size())), true, lastFailure()};
     }
-    return {std::string(function) + " failed", true};
+    return {std::string(function) + " failed", true, lastFailure()};
 }
 
 // Runs a boolean function with its log captured.
@@ -305,7 +305,11 @@ std::vector<Tool> makeTools() {
 }  // namespace
 
 const std::vector<Tool>& allTools() {
-    static const std::vector<Tool> tools = makeTools();
+    static const std::vector<Tool> tools = [] {
+        std::vector<Tool> all = makeTools();
+        addElementTools(all);
+        return all;
+    }();
     return tools;
 }
 
