@@ -7,6 +7,6 @@ REPO = Path(__file__).resolve().parents[2]
 os.environ.setdefault("ZEBLO_SIMULATE", str(REPO / "examples" / "desktop.json"))
 if "ZEBLO_LIBRARY" not in os.environ:
     build = Path(os.environ.get("ZEBLO_BUILD_DIR", REPO / "build"))
-    for name in ("libZEBLOui.so", "libZEBLOui.dylib"):
-        if (build / "simulated" / name).exists():
+    for name in ("libZEBLOui.dylib", "libZEBLOui.so", "libZEBLOuiPlus.dylib", "libZEBLOuiPlus.so"):
+        if (build / "simulated" / name).exists():  # the superset library when it is there
             os.environ["ZEBLO_LIBRARY"] = str(build / "simulated" / name)

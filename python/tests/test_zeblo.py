@@ -112,3 +112,24 @@ def test_the_simulated_library_is_required_when_simulating(tmp_path):
             "try:\n    zeblo.running_apps()\nexcept zeblo.LibraryNotFound as e:\n    print('refused:', e)\n")
     child = subprocess.run([sys.executable, "-c", code], env=env, capture_output=True, text=True, timeout=60)
     assert "refused: ZEBLO_SIMULATE is set" in child.stdout, child.stdout + child.stderr
+
+
+def test_elements_by_reference_and_the_last_failure():
+    if not zeblo._native.has_elements():
+        pytest.skip("the loaded library is libZEBLOui, without the element interface")
+    (settings,) = zeblo.tree("Quick Notes", "Settings")
+    assert settings.role == "window" and settings.name == "Settings"
+    assert [(e.role, e.name) for e in settings.children][1:3] == [("checkbox", "Autosave notes"),
+                                                                  ("textfield", "Author")]
+    author = zeblo.find("Quick Notes", "Settings", role="textfield", name="author")[0]
+    author.set_value("Ada")
+    assert author.refresh().value == "Ada"
+    box = zeblo.find("Quick Notes", "Settings", role="checkbox", checked=False)[0]
+    assert box.check() is True and box.check() is False
+    with pytest.raises(zeblo.ElementError) as failure:
+        zeblo.find("Quick Notes", "Settings", role="button", name="Done")[0].set_value("x")
+    assert (failure.value.kind, failure.value.case) == ("action", "notEditable")
+    assert zeblo.click_button("Quick Notes", "Settings", "Nope") is False
+    why = zeblo.last_failure()
+    assert (why.function, why.kind, why.case) == ("zeblo_click_button", "window", "buttonNotFound")
+    assert zeblo.window_exists("Mail") is True and zeblo.last_failure() is None

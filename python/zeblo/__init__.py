@@ -13,12 +13,18 @@ Names of applications and windows are UTF-8 strings; None (or "") for an
 application means the frontmost one, for a window the application's first
 window. Functions that read return Python values (lists, dicts); where the
 library answers with an error object they raise ZebloError with its text.
-Functions that act return True or False: on False the library has written
-its reason to the system log (and to standard error when ZEBLO_LOG_STDERR=1).
-Times are in seconds.
+Functions that act return True or False: on False, zeblo.last_failure()
+tells why (kind, case, message), and the library has written its reason to
+the system log (and to standard error when ZEBLO_LOG_STDERR=1). Times are in
+seconds.
+
+Elements (zeblo.elements): zeblo.tree() and zeblo.find() give Element
+objects with references and methods (press(), set_value(), focus(),
+check(), open_menu()...); zeblo.wait_for() and zeblo.press_keys("ctrl+s").
 
 The library is found through ZEBLO_LIBRARY (a path), beside this package, or
-on the system's library path. With ZEBLO_SIMULATE naming a desktop file, the
+on the system's library path: libZEBLOuiPlus (the 25 functions and the
+element interface) where it is, else libZEBLOui. With ZEBLO_SIMULATE naming a desktop file, the
 simulated library is loaded instead and every call works on that simulated
 desktop (see the library's header, "The simulated library").
 """
@@ -30,6 +36,8 @@ import json
 from typing import Any, Dict, List, Optional, Sequence
 
 from ._native import LibraryNotFound, library, library_path
+from .elements import (Element, ElementError, Failure, StaleElement, find, last_failure, press_keys, tree,
+                       wait_for)
 
 __version__ = "0.1.0"
 __all__ = [
@@ -39,6 +47,8 @@ __all__ = [
     "click_button", "click_checkbox", "window_buttons", "set_checkbox_value", "popup_menu_items",
     "window_text", "frontmost_info", "running_apps", "focus_app", "launch_app", "is_in_text_field",
     "window_exists", "window_titles", "wait_for_window", "close_window",
+    "Element", "ElementError", "StaleElement", "Failure", "tree", "find", "wait_for", "press_keys",
+    "last_failure",
 ]
 
 _INT32_MAX = 2**31 - 1

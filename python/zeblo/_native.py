@@ -10,7 +10,10 @@ import threading
 from pathlib import Path
 from typing import List, Optional
 
-_LIB_NAMES = {"darwin": ["libZEBLOui.dylib"]}.get(sys.platform, ["libZEBLOui.so", "libZEBLOui.so.0.1"])
+# The superset library (the 25 functions and the element interface) first,
+# else the plain one, whose element functions are then missing.
+_LIB_NAMES = {"darwin": ["libZEBLOuiPlus.dylib", "libZEBLOui.dylib"]}.get(
+    sys.platform, ["libZEBLOuiPlus.so", "libZEBLOuiPlus.so.0.1", "libZEBLOui.so", "libZEBLOui.so.0.1"])
 _lock = threading.Lock()
 _lib: Optional[ctypes.CDLL] = None
 _path: Optional[str] = None
@@ -64,9 +67,10 @@ def find_library() -> str:
     found = _first_existing([here])
     if found is not None:
         return str(found)
-    name = ctypes.util.find_library("ZEBLOui")
-    if name:
-        return name
+    for stem in ("ZEBLOuiPlus", "ZEBLOui"):
+        name = ctypes.util.find_library(stem)
+        if name:
+            return name
     found = _first_existing(_system_folders())
     if found is not None:
         return str(found)
@@ -104,6 +108,18 @@ def _declare(lib: ctypes.CDLL) -> None:
         "zeblo_close_window": (b, [s, s, i32]),
         "zeblo_free_string": (None, [ctypes.c_void_p]),
     }
+    # The element interface, in libZEBLOuiPlus only.
+    elements = {
+        "zeblo_element_tree": (result, [s]),
+        "zeblo_element_find": (result, [s]),
+        "zeblo_element_get": (result, [s]),
+        "zeblo_element_act": (result, [s, s, s]),
+        "zeblo_element_wait": (result, [s]),
+        "zeblo_press_keys": (result, [s, s]),
+        "zeblo_last_failure": (result, []),
+    }
+    if hasattr(lib, "zeblo_element_tree"):
+        table.update(elements)
     for name, (restype, argtypes) in table.items():
         function = getattr(lib, name)
         function.restype = restype
@@ -125,6 +141,11 @@ def library() -> ctypes.CDLL:
             _declare(lib)
             _lib, _path = lib, path
         return _lib
+
+
+def has_elements() -> bool:
+    """Whether the loaded library is libZEBLOuiPlus, with the element interface."""
+    return hasattr(library(), "zeblo_element_tree")
 
 
 def library_path() -> str:
