@@ -155,6 +155,13 @@ struct SettableRead {
     bool settable = false;
 };
 
+// Where an element is drawn: its top-left corner and its size, in points,
+// relative to its window or the screen (one of them for every element of one
+// window, so that two elements' frames can be compared).
+struct Frame {
+    double x = 0, y = 0, width = 0, height = 0;
+};
+
 // ---------------------------------------------------------------------------
 // Workspace.
 
@@ -225,6 +232,12 @@ public:
     // Walks use it to notice a child that leads back to an element they are
     // already inside. False when either handle is null or not this backend's.
     virtual bool sameElement(const Element& a, const Element& b) = 0;
+    // Where the element is drawn, when the backend can tell (macOS:
+    // "AXFrame"; Linux: the Component extents in its window).
+    virtual std::optional<Frame> frameOf(const Element& element) {
+        (void)element;
+        return std::nullopt;
+    }
 
     // Accessibility actions and trust.
     virtual AXError performAction(const Element& element, std::string_view action) = 0;

@@ -7,7 +7,7 @@
 import gi
 
 gi.require_version("Gtk", "3.0")
-from gi.repository import GLib, Gtk  # noqa: E402
+from gi.repository import Gio, GLib, Gtk  # noqa: E402
 
 GLib.set_prgname("zeblo-testapp")
 GLib.set_application_name("ZebloTestApp")
@@ -58,6 +58,32 @@ def open_dialog(*_):
         return
     dialog = Gtk.Dialog(title="Test Dialog", transient_for=window, modal=False)
     dialog.get_content_area().add(Gtk.Label(label="This is the test dialog"))
+    # A form whose fields are known by the labels beside them, a check box
+    # and a menu button with a popover; OK reports what was filled in.
+    form = Gtk.Grid(row_spacing=4, column_spacing=4)
+    entries = {}
+    for row, title in enumerate(("Full name:", "Email:")):
+        form.attach(Gtk.Label(label=title), 0, row, 1, 1)
+        entries[title] = Gtk.Entry()
+        form.attach(entries[title], 1, row, 1, 1)
+    subscribe = Gtk.CheckButton(label="Subscribe")
+    form.attach(subscribe, 0, 2, 2, 1)
+    size = ["Medium"]
+    sizes = Gio.Menu()
+    group = Gio.SimpleActionGroup()
+    for choice in ("Small", "Medium", "Large"):
+        action = Gio.SimpleAction.new(choice.lower(), None)
+        action.connect("activate", lambda a, p, c=choice: size.__setitem__(0, c))
+        group.add_action(action)
+        sizes.append(choice, "size." + choice.lower())
+    chooser = Gtk.MenuButton(label="Size", menu_model=sizes)
+    chooser.insert_action_group("size", group)
+    form.attach(chooser, 0, 3, 2, 1)
+    dialog.get_content_area().add(form)
+    ok = Gtk.Button(label="OK")
+    ok.connect("clicked", lambda b: report("form %s <%s> subscribe %d size %s" % (
+        entries["Full name:"].get_text(), entries["Email:"].get_text(), int(subscribe.get_active()), size[0])))
+    dialog.get_content_area().add(ok)
     button = Gtk.Button(label="Dismiss")
     button.connect("clicked", lambda b: close_dialog())
     dialog.get_content_area().add(button)

@@ -84,22 +84,26 @@ void writeValue(const Resolved& r, const platform::SetValue& value, const std::s
     }
 }
 
-// The menu items a user sees under `ref`, as nodes.
-Json menuItems(const std::string& ref) {
+// The named elements a user can choose under `ref` (menu items, and the
+// buttons of a popover), as nodes by reference.
+std::vector<std::pair<std::string, Json>> choices(const std::string& ref) {
     Scope scope;
     scope.ref = ref;
     Limits limits;
-    limits.maxNodes = 200;
-    limits.maxDepth = 12;
+    limits.maxNodes = 2'000;
+    limits.maxDepth = 49;
+    limits.maxChildren = 9'999;
     const Walk w = walk(scope, limits, [](const Visited& v) {
         // A popover itself (GTK 4 calls it a menu) is no item to choose.
-        return (v.facts.role == "AXMenuItem" || v.facts.role == "AXMenuBarItem") && !v.facts.name.empty();
+        return !v.facts.name.empty() && v.facts.enabled &&
+               (v.facts.role == "AXMenuItem" || std::find(v.facts.actions.begin(), v.facts.actions.end(),
+                                                          "AXPress") != v.facts.actions.end());
     });
-    Json items = Json::array();
+    std::vector<std::pair<std::string, Json>> out;
     for (const Visited& v : w.nodes) {
-        if (v.parent >= 0 && v.listed && v.facts.visible) items.push_back(nodeJson(v, limits));
+        if (v.parent >= 0 && v.listed && !v.ref.empty()) out.emplace_back(v.ref, nodeJson(v, limits));
     }
-    return items;
+    return out;
 }
 
 // Chooses the item named `wanted` of a pop-up button's menu (opening it).
@@ -261,6 +265,11 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             break;
         }
         case Kind::openMenu: {
+            // What the menu shows is what its window shows now and did not
+            // before (a popover's items, a context menu drawn in the window).
+            const std::string window = format(ancestorOf(r.ref, r.ref.path.size()));
+            std::vector<std::string> before;
+            for (auto& [ref, node] : choices(window)) before.push_back(ref);
             // A button's menu opens as the button is pressed (a menu button,
             // a pop-up button, a menu bar item); any other element's menu is
             // its context menu.
@@ -274,14 +283,15 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             } else if (!perform(r.element, "AXShowMenu")) {
                 throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
             }
-            p.sleep(0.15);
-            // The items come under the element, or beside it (GTK 4 puts a
-            // menu button's popover beside its inner button), or elsewhere
-            // in its window.
-            Json items = menuItems(format(r.ref));
-            for (const std::size_t up : {std::size_t{1}, std::size_t{2}, r.ref.path.size()}) {
-                if (!items.empty() || up > r.ref.path.size()) break;
-                items = menuItems(format(ancestorOf(r.ref, up)));
+            // The items come under the element, beside it (GTK 4 puts a menu
+            // button's popover beside its inner button) or anywhere in its
+            // window, shortly.
+            Json items = Json::array();
+            for (int attempt = 0; attempt < 10 && items.empty(); ++attempt) {
+                p.sleep(0.05);
+                for (auto& [ref, node] : choices(window)) {
+                    if (std::find(before.begin(), before.end(), ref) == before.end()) items.push_back(std::move(node));
+                }
             }
             out["menu"] = std::move(items);
             break;

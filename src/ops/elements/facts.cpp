@@ -59,6 +59,60 @@ std::string labelBefore(const std::vector<Element>& siblings, std::size_t index)
     return {};
 }
 
+bool sameRow(const platform::Frame& a, const platform::Frame& b) {
+    const double overlap = std::min(a.y + a.height, b.y + b.height) - std::max(a.y, b.y);
+    return overlap > 0 && overlap >= std::min(a.height, b.height) / 2;
+}
+
+// The text of the label a user reads as a field's: the nearest label to its
+// left on the same row, else the nearest above it, among its siblings, as
+// they are drawn (a grid may list them in any order). Without frames, the
+// label just before it in the list.
+std::string labelFor(const std::vector<Element>& siblings, std::size_t index) {
+    platform::Platform& p = desk();
+    const std::optional<platform::Frame> field = p.frameOf(siblings[index]);
+    if (!field || field->width <= 0 || field->height <= 0) return labelBefore(siblings, index);
+    struct Candidate {
+        double distance = 0;
+        std::string text;
+        platform::Frame frame;
+    };
+    std::optional<Candidate> best;
+    std::vector<platform::Frame> controls;  // others that a label to the left must not be behind
+    for (std::size_t j = 0; j < siblings.size(); ++j) {
+        if (j == index || !siblings[j]) continue;
+        const std::optional<platform::Frame> frame = p.frameOf(siblings[j]);
+        if (!frame || frame->width <= 0 || frame->height <= 0) continue;
+        const std::string role = readText(siblings[j], "AXRole");
+        if (!isLabelRole(role)) {
+            if (isFieldRole(role) || role == "AXButton" || role == "AXCheckBox") controls.push_back(*frame);
+            continue;
+        }
+        double distance = 0;
+        if (sameRow(*frame, *field) && frame->x + frame->width <= field->x + 2) {
+            distance = field->x - (frame->x + frame->width);
+        } else if (frame->y + frame->height <= field->y + 2 && frame->x < field->x + field->width &&
+                   frame->x + frame->width > field->x) {
+            distance = 100'000 + field->y - (frame->y + frame->height);  // a row above counts after the row
+        } else {
+            continue;
+        }
+        if (best && best->distance <= distance) continue;
+        std::string text = readText(siblings[j], "AXValue");
+        if (text.empty()) text = readText(siblings[j], "AXTitle");
+        if (!text.empty()) best = Candidate{distance, std::move(text), *frame};
+    }
+    if (!best) return {};
+    for (const platform::Frame& c : controls) {
+        // Another control between the label and the field: the label is its.
+        if (best->distance < 100'000 && sameRow(c, *field) && c.x >= best->frame.x + best->frame.width - 2 &&
+            c.x + c.width <= field->x + 2) {
+            return {};
+        }
+    }
+    return best->text;
+}
+
 }  // namespace
 
 bool Facts::checkable() const {
@@ -117,7 +171,7 @@ Facts readFacts(const Element& e, const std::vector<Element>* siblings, std::siz
         // shows while empty, else by the label before it.
         f.name = readText(e, kToolkitName);
         if (f.name.empty()) f.name = readText(e, "AXPlaceholderValue");
-        if (f.name.empty() && siblings != nullptr && index < siblings->size()) f.name = labelBefore(*siblings, index);
+        if (f.name.empty() && siblings != nullptr && index < siblings->size()) f.name = labelFor(*siblings, index);
     }
     if (f.description == f.name) f.description.clear();
 

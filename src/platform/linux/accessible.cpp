@@ -265,6 +265,15 @@ std::optional<ScreenBox> screenBoxOf(AtspiAccessible* object) {
     return ScreenBox{box->x, box->y, box->width, box->height};
 }
 
+std::optional<Box> boxOf(AtspiAccessible* object) {
+    const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
+    if (!component) return std::nullopt;
+    Error error;
+    const Owned<AtspiRect, g_free> box(atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_WINDOW, out(error)));
+    if (error || !box) return std::nullopt;
+    return Box{box->x, box->y, box->width, box->height};
+}
+
 std::optional<Size> sizeOf(AtspiAccessible* object) {
     const Ref<AtspiComponent> component = Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
     if (!component) return std::nullopt;

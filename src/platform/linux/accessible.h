@@ -61,6 +61,8 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object);
 // The size of `object` on screen; nothing when it gives none.
 std::optional<Size> sizeOf(AtspiAccessible* object);
+// Where `object` is drawn in its window, or nothing.
+std::optional<Box> boxOf(AtspiAccessible* object);
 // Where `object` is on the screen; nothing when it does not say (a toolkit
 // that knows only window coordinates gives none).
 std::optional<ScreenBox> screenBoxOf(AtspiAccessible* object);

@@ -2,6 +2,7 @@
 // their families (attributes.h) and the attribute names of an element. The
 // mapping from AT-SPI roles, states and interfaces to the attribute names the
 // library reads is in docs/linux-backend.md.
+#include "platform/linux/accessible.h"
 #include "platform/linux/attributes.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -33,6 +34,22 @@ AttributeRead LinuxPlatform::copyAttributeValue(const Element& element, std::str
         return readAttribute(*n, attribute);
     } catch (...) {
         return {kAXErrorFailure, {}};
+    }
+}
+
+std::optional<Frame> LinuxPlatform::frameOf(const Element& element) {
+    const auto locked = guard();
+    Node* n = node(element);
+    if (n == nullptr || n->kind != Node::Kind::accessible) return std::nullopt;
+    try {
+        // A walk's elements from its survey, all asked for at once.
+        std::optional<Box> box = surveyed(*n) != nullptr ? n->survey->box(n->object.get()) : std::nullopt;
+        if (!box) box = boxOf(n->object.get());
+        if (!box) return std::nullopt;
+        return Frame{static_cast<double>(box->x), static_cast<double>(box->y), static_cast<double>(box->width),
+                     static_cast<double>(box->height)};
+    } catch (...) {
+        return std::nullopt;
     }
 }
 

@@ -97,6 +97,8 @@ public:
     SettableRead isAttributeSettable(const Element& element, std::string_view attribute) override;
     // identity.cpp
     bool sameElement(const Element& a, const Element& b) override;
+    // linux_attributes.cpp
+    std::optional<Frame> frameOf(const Element& element) override;
 
     AXError performAction(const Element& element, std::string_view action) override;
     NamesRead copyActionNames(const Element& element) override;

@@ -35,6 +35,11 @@ struct Size {
     std::int32_t height = 0;
 };
 
+// Where an element is drawn in its window.
+struct Box {
+    std::int32_t x = 0, y = 0, width = 0, height = 0;
+};
+
 // Whether an element with `states` (bit n: AtspiStateType n) and, for
 // Sight::sized, `size` (none: not known) is shown under `sight`.
 bool shown(Sight sight, std::uint64_t states, const std::optional<Size>& size);

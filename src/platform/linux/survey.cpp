@@ -396,10 +396,15 @@ void Survey::readTexts() const {
 }
 
 std::optional<Size> Survey::size(AtspiAccessible* object) const {
+    const std::optional<Box> known = box(object);
+    return known ? std::optional<Size>(Size{known->width, known->height}) : std::nullopt;
+}
+
+std::optional<Box> Survey::box(AtspiAccessible* object) const {
     if (find(object) == nullptr) return std::nullopt;
     if (!sizes_) readSizes();
     const auto found = sizes_->find(pathOf(object));
-    return found != sizes_->end() ? std::optional<Size>(found->second) : std::nullopt;
+    return found != sizes_->end() ? std::optional<Box>(found->second) : std::nullopt;
 }
 
 void Survey::readSizes() const {
@@ -421,7 +426,9 @@ void Survey::readSizes() const {
     }
     const std::vector<Message> answers = callAll(bus_, calls);
     for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (const auto box = rectangleAnswer(answers[i])) sizes_->emplace(*asked[i], Size{(*box)[2], (*box)[3]});
+        if (const auto box = rectangleAnswer(answers[i])) {
+            sizes_->emplace(*asked[i], Box{(*box)[0], (*box)[1], (*box)[2], (*box)[3]});
+        }
     }
 }
 

@@ -87,6 +87,9 @@ public:
     // the Action interface), or null when the survey cannot tell. All of them
     // are asked for at once, on the first call.
     const std::vector<std::string>* actions(AtspiAccessible* object) const;
+    // Where an object the survey knows is drawn in its window (asked for
+    // with the sizes).
+    std::optional<Box> box(AtspiAccessible* object) const;
     std::uint64_t generation() const { return generation_; }
     std::size_t size() const { return items_.size(); }
 
@@ -136,7 +139,7 @@ private:
     std::unordered_map<std::string, AtspiAccessible*> under_;  // objects_ by path
     mutable std::optional<ByPath> keyBindings_;
     mutable std::optional<ByPath> texts_;
-    mutable std::optional<std::unordered_map<std::string, Size>> sizes_;
+    mutable std::optional<std::unordered_map<std::string, Box>> sizes_;
     mutable std::optional<std::unordered_map<std::string, std::vector<std::string>>> actions_;
     Counted counted_;
 };

@@ -169,6 +169,22 @@ bool MacPlatform::sameElement(const Element& a, const Element& b) {
     });
 }
 
+std::optional<Frame> MacPlatform::frameOf(const Element& element) {
+    return guarded(std::optional<Frame>(), [&]() -> std::optional<Frame> {
+        AXUIElementRef target = axElement(element);
+        if (target == nullptr) return std::nullopt;
+        ScopedCF<CFStringRef> name = makeCFString("AXFrame");
+        ScopedCF<CFTypeRef> value;
+        if (!name || AXUIElementCopyAttributeValue(target, name.get(), value.InitializeInto()) != kAXErrorSuccess ||
+            !value || CFGetTypeID(value.get()) != AXValueGetTypeID()) {
+            return std::nullopt;
+        }
+        CGRect rect;
+        if (!AXValueGetValue(static_cast<AXValueRef>(value.get()), kAXValueTypeCGRect, &rect)) return std::nullopt;
+        return Frame{rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+    });
+}
+
 AXError MacPlatform::performAction(const Element& element, std::string_view action) {
     return guarded(kAXErrorFailure, [&]() -> AXError {
         AXUIElementRef target = axElement(element);

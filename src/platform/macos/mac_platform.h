@@ -52,6 +52,7 @@ public:
                               const SetValue& value) override;
     SettableRead isAttributeSettable(const Element& element, std::string_view attribute) override;
     bool sameElement(const Element& a, const Element& b) override;
+    std::optional<Frame> frameOf(const Element& element) override;
 
     AXError performAction(const Element& element, std::string_view action) override;
     NamesRead copyActionNames(const Element& element) override;

@@ -63,6 +63,8 @@ struct Node {
     // The id of an element that a successful "AXPress" or "AXShowMenu" of
     // this one shows (a menu button's popover); empty: none.
     std::string reveals;
+    // Where it is drawn ("frame": [x, y, width, height]); none: not known.
+    std::optional<platform::Frame> frame;
     // A hung element: every read, write and action waits this long (virtual
     // microseconds) for a reply that does not come and fails with
     // kAXErrorCannotComplete. A write or action is delivered all the same.
@@ -182,6 +184,7 @@ public:
     platform::SettableRead isAttributeSettable(const platform::Element& element,
                                                std::string_view attribute) override;
     bool sameElement(const platform::Element& a, const platform::Element& b) override;
+    std::optional<platform::Frame> frameOf(const platform::Element& element) override;
     platform::AXError performAction(const platform::Element& element, std::string_view action) override;
     platform::NamesRead copyActionNames(const platform::Element& element) override;
     bool isProcessTrusted(bool prompt) override;

@@ -230,6 +230,13 @@ bool SimDesktop::sameElement(const platform::Element& a, const platform::Element
     return n != nullptr && n == nodeOf(this, b);
 }
 
+std::optional<platform::Frame> SimDesktop::frameOf(const platform::Element& element) {
+    Node* n = nodeOf(this, element);
+    std::lock_guard lock(impl_->mu);
+    if (usable(n) != platform::kAXErrorSuccess || n->hungMicros > 0) return std::nullopt;
+    return n->frame;
+}
+
 AXError SimDesktop::performAction(const platform::Element& element, std::string_view action) {
     Node* n = nodeOf(this, element);
     std::lock_guard lock(impl_->mu);

@@ -246,6 +246,12 @@ private:
             } else if (key == "hidden") {
                 if (!v.is_boolean()) fail(at, "expected true or false" + got(v));
                 n.hidden = v.get<bool>();
+            } else if (key == "frame") {
+                if (!v.is_array() || v.size() != 4) fail(at, "expected [x, y, width, height]" + got(v));
+                for (std::size_t i = 0; i < 4; ++i) {
+                    if (!v[i].is_number()) fail(at, "expected [x, y, width, height]" + got(v));
+                }
+                n.frame = platform::Frame{v[0].get<double>(), v[1].get<double>(), v[2].get<double>(), v[3].get<double>()};
             } else if (key == "reveals") {
                 n.reveals = stringOf(v, at);
             } else if (key == "onPress") {
@@ -256,7 +262,7 @@ private:
                 else fail(at, "expected \"close\" or \"toggle\", got \"" + s + "\"");
             } else {
                 fail(at, "unknown element key (expected id, attrs, errors, actions, actionNamesError, "
-                         "settable, setResult, onPress, hidden, reveals)");
+                         "settable, setResult, onPress, hidden, reveals, frame)");
             }
         }
     }

@@ -44,6 +44,22 @@ extern CFStringRef kAXTrustedCheckOptionPrompt;
 typedef const struct CF_BRIDGED_TYPE(id) __AXUIElement* AXUIElementRef;
 
 extern CFTypeID AXUIElementGetTypeID(void);
+
+// --- CoreGraphics geometry and HIServices: AXValue.h ------------------------------------
+typedef double CGFloat;
+struct CGPoint { CGFloat x; CGFloat y; };
+typedef struct CGPoint CGPoint;
+struct CGSize { CGFloat width; CGFloat height; };
+typedef struct CGSize CGSize;
+struct CGRect { CGPoint origin; CGSize size; };
+typedef struct CGRect CGRect;
+typedef const struct CF_BRIDGED_TYPE(id) __AXValue* AXValueRef;
+typedef uint32_t AXValueType;
+enum { kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2, kAXValueTypeCGRect = 3, kAXValueTypeCFRange = 4,
+       kAXValueTypeAXError = 5, kAXValueTypeIllegal = 0 };
+extern CFTypeID AXValueGetTypeID(void);
+extern AXValueType AXValueGetType(AXValueRef value);
+extern Boolean AXValueGetValue(AXValueRef value, AXValueType theType, void* valuePtr);
 extern AXError AXUIElementCopyAttributeNames(AXUIElementRef element,
                                              CFArrayRef* CF_RETURNS_RETAINED names);
 extern AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,

@@ -103,6 +103,20 @@ TEST_F(Elements, TreeListsWhatAUserSeesWithReferencesAndLabelledFields) {
     EXPECT_EQ(shallow["tree"][0]["more"], 5);  // the hidden one is not counted
 }
 
+TEST_F(Elements, FieldsTakeTheLabelDrawnBesideThemWhateverTheOrder) {
+    // A grid that lists its cells backwards, as GTK 3's does.
+    const auto at = [](Json e, double x, double y) {
+        e["frame"] = {x, y, 100, 20};
+        return e;
+    };
+    loadWindows({window("Form", {el("AXGroup", "", {at(field("email"), 110, 30), at(label("Email:"), 0, 30),
+                                                   at(field("name"), 110, 0), at(label("Full name:"), 0, 0)})})});
+    act(ref({{"role", "textfield"}, {"name", "full name"}}), "set_value", "Ada");
+    act(ref({{"role", "textfield"}, {"name", "email"}}), "set_value", "ada@example.org");
+    EXPECT_EQ(std::get<std::string>(*desk().node("name")->findAttr("AXValue")), "Ada");
+    EXPECT_EQ(std::get<std::string>(*desk().node("email")->findAttr("AXValue")), "ada@example.org");
+}
+
 TEST_F(Elements, FindMatchesRoleNameTextAndState) {
     EXPECT_EQ(find({{"role", "AXTextField"}})["count"], 2);
     EXPECT_EQ(find({{"role", "text field"}, {"name", "email"}})["matches"][0]["name"], "Email:");
