@@ -86,9 +86,17 @@ void writeValue(const Resolved& r, const platform::SetValue& value, const std::s
 
 // The named elements a user can choose under `ref` (menu items, and the
 // buttons of a popover), as nodes by reference.
-std::vector<std::pair<std::string, Json>> choices(const std::string& ref) {
+std::vector<std::pair<std::string, Json>> choices(const std::string& ref, std::int32_t pid = 0) {
     Scope scope;
     scope.ref = ref;
+    if (pid > 0) {
+        // The application's pop-up menus.
+        scope.ref.clear();
+        scope.popups = true;
+        for (const platform::RunningApp& app : desk().runningApplications()) {
+            if (app.pid == pid) scope.app = app.localizedName.value_or("");
+        }
+    }
     Limits limits;
     limits.maxNodes = 2'000;
     limits.maxDepth = 49;
@@ -268,13 +276,33 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             // What the menu shows is what its window shows now and did not
             // before (a popover's items, a context menu drawn in the window).
             const std::string window = format(ancestorOf(r.ref, r.ref.path.size()));
+            const auto shown = [&] {
+                std::vector<std::pair<std::string, Json>> all = choices(window);
+                for (auto& popup : choices({}, r.ref.pid)) all.push_back(std::move(popup));
+                return all;
+            };
             std::vector<std::string> before;
-            for (auto& [ref, node] : choices(window)) before.push_back(ref);
+            for (auto& [ref, node] : shown()) before.push_back(ref);
+            // The items come under the element, beside it (GTK 4 puts a menu
+            // button's popover beside its inner button), anywhere in its
+            // window or in a menu of their own, shortly.
+            const auto appeared = [&] {
+                Json items = Json::array();
+                for (int attempt = 0; attempt < 10 && items.empty(); ++attempt) {
+                    p.sleep(0.05);
+                    for (auto& [ref, node] : shown()) {
+                        if (std::find(before.begin(), before.end(), ref) == before.end()) items.push_back(std::move(node));
+                    }
+                }
+                return items;
+            };
             // A button's menu opens as the button is pressed (a menu button,
-            // a pop-up button, a menu bar item); any other element's menu is
-            // its context menu.
+            // a pop-up button, a menu bar item); a toggle's too (GTK 3 makes
+            // a menu button a toggle button), which is pressed back when no
+            // menu came; any other element's menu is its context menu.
             static constexpr std::string_view kPressedOpen[] = {"AXButton", "AXPopUpButton", "AXMenuButton",
-                                                                "AXMenuBarItem", "AXMenuItem", "AXComboBox"};
+                                                                "AXMenuBarItem", "AXMenuItem", "AXComboBox",
+                                                                "AXCheckBox"};
             const bool pressedOpen =
                 !offers(f, "AXShowMenu") && offers(f, "AXPress") &&
                 std::find(std::begin(kPressedOpen), std::end(kPressedOpen), f.role) != std::end(kPressedOpen);
@@ -283,15 +311,11 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             } else if (!perform(r.element, "AXShowMenu")) {
                 throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
             }
-            // The items come under the element, beside it (GTK 4 puts a menu
-            // button's popover beside its inner button) or anywhere in its
-            // window, shortly.
-            Json items = Json::array();
-            for (int attempt = 0; attempt < 10 && items.empty(); ++attempt) {
-                p.sleep(0.05);
-                for (auto& [ref, node] : choices(window)) {
-                    if (std::find(before.begin(), before.end(), ref) == before.end()) items.push_back(std::move(node));
-                }
+            Json items = appeared();
+            if (items.empty()) {
+                if (pressedOpen && f.checkable()) (void)perform(r.element, "AXPress");
+                throw ElementError::action("noMenu", "No menu appeared for the " + describe(f) +
+                                                         (pressedOpen && !f.checkable() ? " (it was pressed)" : ""));
             }
             out["menu"] = std::move(items);
             break;

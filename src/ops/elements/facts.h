@@ -18,6 +18,9 @@ namespace zeblo::elements {
 inline constexpr std::string_view kAllChildren = "ZBAllChildren";
 inline constexpr std::string_view kVisible = "ZBVisible";
 inline constexpr std::string_view kToolkitName = "ZBName";
+// An application's open pop-up menus that stand in windows of their own (a
+// context menu), which its window list leaves out.
+inline constexpr std::string_view kPopups = "ZBMenus";
 
 struct Facts {
     std::string role;  // as the platform names it ("AXButton"); "AXUnknown" when unreadable

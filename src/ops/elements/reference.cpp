@@ -34,7 +34,7 @@ std::uint16_t checkOf(std::string_view role, std::string_view name) {
 
 std::string format(const Reference& ref) {
     std::string out = std::to_string(ref.pid) + ":";
-    out += ref.menuBar ? std::string("m") : std::to_string(ref.window);
+    out += ref.menuBar ? std::string("m") : (ref.popup ? "p" : "") + std::to_string(ref.window);
     for (const std::size_t index : ref.path) out += "." + std::to_string(index);
     static constexpr char kHex[] = "0123456789abcdef";
     out += '~';
@@ -49,6 +49,9 @@ std::optional<Reference> parseReference(std::string_view text) {
     if (!text.empty() && text.front() == 'm') {
         ref.menuBar = true;
         text.remove_prefix(1);
+    } else if (ref.popup = !text.empty() && text.front() == 'p'; ref.popup) {
+        text.remove_prefix(1);
+        if (!take(text, ref.window)) return std::nullopt;
     } else if (!take(text, ref.window)) {
         return std::nullopt;
     }

@@ -146,6 +146,12 @@ Reached reach(const Reference& ref, const std::string& shown) {
         if (bar.code == platform::kAXErrorCannotComplete) throw unanswered(out.appName);
         if (!bar.ok() || !bar.value) throw ElementError::stale(shown, "the application has no menu bar now");
         at = std::move(bar.value);
+    } else if (parsed->popup) {
+        auto popups = platform::asElementArray(p.copyAttributeValue(app, kPopups));
+        if (!popups.ok() || parsed->window >= popups.value.size() || !popups.value[parsed->window]) {
+            throw ElementError::stale(shown, "its menu is closed");
+        }
+        at = std::move(popups.value[parsed->window]);
     } else {
         std::vector<Element> windows = windowsOf(app, out.appName);
         if (parsed->window >= windows.size() || !windows[parsed->window]) {
@@ -236,7 +242,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         w.appName = app.localizedName.value_or("");
         w.pid = app.pid;
         const Element appElement = p.createApplicationElement(app.pid);
-        std::vector<Element> windows = windowsOf(appElement, w.appName);
+        std::vector<Element> windows = scope.popups ? std::vector<Element>{} : windowsOf(appElement, w.appName);
         if (scope.window && scope.window->empty() && !windows.empty() && windows.front()) windows.resize(1);
         bool any = false;
         for (std::size_t i = 0; i < windows.size(); ++i) {
@@ -252,6 +258,18 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
             addRoot(std::move(windows[i]), ref, "");
             any = true;
             if (scope.window) break;
+        }
+        if (scope.popups) {
+            auto popups = platform::asElementArray(p.copyAttributeValue(appElement, kPopups));
+            for (std::size_t i = 0; popups.ok() && i < popups.value.size(); ++i) {
+                if (!popups.value[i]) continue;
+                Reference ref;
+                ref.pid = app.pid;
+                ref.popup = true;
+                ref.window = i;
+                addRoot(std::move(popups.value[i]), ref, "");
+            }
+            any = true;
         }
         if (scope.window && !any) {
             const std::string name = scope.window->empty() ? "<focused>" : *scope.window;

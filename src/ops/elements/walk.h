@@ -25,6 +25,7 @@ struct Scope {
     std::string app;
     std::optional<std::string> window;
     std::string ref;
+    bool popups = false;  // the application's open pop-up menus instead of its windows
 };
 
 // A resolved reference: the element, what it is, and the list it was read

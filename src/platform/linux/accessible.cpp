@@ -239,6 +239,19 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
     return windows;
 }
 
+std::vector<AccessibleRef> popupsOf(AtspiAccessible* app) {
+    std::vector<AccessibleRef> popups;
+    for (AccessibleRef& child : childrenAsked(app).value_or(std::vector<AccessibleRef>{})) {
+        if (!child) continue;
+        const AtspiRole role = roleOfObject(child.get());
+        const bool menu = role == ATSPI_ROLE_POPUP_MENU || role == ATSPI_ROLE_MENU;
+        if (!menu && !(role == ATSPI_ROLE_WINDOW && nameOf(child.get()).empty())) continue;
+        const std::optional<std::uint64_t> states = statesOf(child.get());
+        if (states && ((*states >> ATSPI_STATE_SHOWING) & 1) != 0) popups.push_back(std::move(child));
+    }
+    return popups;
+}
+
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object) {
     // Asked of the application itself: libatspi may answer from a state set
     // it kept since the element was made (a web page's button before the

@@ -59,6 +59,9 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
 // The states of `object` (bit n: AtspiStateType n); nothing when it does not
 // answer.
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object);
+// The application's shown pop-up menus that stand in windows of their own:
+// its untitled windows and menus in the showing state.
+std::vector<AccessibleRef> popupsOf(AtspiAccessible* app);
 // The size of `object` on screen; nothing when it gives none.
 std::optional<Size> sizeOf(AtspiAccessible* object);
 // Where `object` is drawn in its window, or nothing.

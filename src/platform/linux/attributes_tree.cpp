@@ -108,6 +108,15 @@ std::optional<AttributeRead> readApplication(const Reading& r, std::string_view 
     if (attribute == "AXWindows") return windows(r);
     if (attribute == "AXFocusedWindow") return elementOrNoValue(r.platform, focusedWindowOf(r.platform, r.object));
     if (attribute == "AXMenuBar") return menuBar(r);
+    if (attribute == "ZBMenus") {
+        // The application's shown pop-up menus in windows of their own (a
+        // context menu); everything in them is seen.
+        std::vector<Element> menus;
+        for (AccessibleRef& popup : popupsOf(r.object)) {
+            menus.push_back(r.platform.wrap(std::move(popup), Node::Kind::accessible, nullptr, Sight::showing));
+        }
+        return ok(std::move(menus));
+    }
     if (attribute == "AXFocusedUIElement") {
         return elementOrNoValue(r.platform, focusedElementOf(r.platform, r.object));
     }
