@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "zeblo/zeblo.h"
+#include "zeblo/zeblo_plus.h"
 
 namespace {
 
@@ -173,6 +173,87 @@ public:
     }
 };
 
+// The element tree of a window of about 1,000 controls (range(0)): GTK, Qt,
+// a Chromium page; the whole window, every element listed.
+struct ManyWindow {
+    const char* label;
+    const char* app;
+    const char* window;
+};
+constexpr ManyWindow kMany[] = {
+    {"GTK", "zeblo-many-gtk", "Zeblo Many GTK"},
+    {"Qt", "zeblo-many-qt", "Zeblo Many Qt"},
+    {"Chromium", "Chromium", "Zeblo Many Page - Chromium"},
+};
+
+std::string treeQuery(const ManyWindow& many) {
+    return nlohmann::json{{"app", many.app}, {"window", many.window}, {"maxNodes", 5000}, {"maxChildren", 5000}}
+        .dump();
+}
+
+void BM_Tree(benchmark::State& state) {
+    const std::string query = treeQuery(kMany[state.range(0)]);
+    double nodes = 0, bytes = 0;
+    for (auto _ : state) {
+        const char* json = zeblo_element_tree(query.c_str());
+        const std::string text(json);
+        zeblo_free_string(json);
+        bytes = static_cast<double>(text.size());
+        nodes = nlohmann::json::parse(text).value("nodes", 0.0);
+    }
+    state.counters["nodes"] = nodes;
+    state.counters["bytes"] = bytes;
+}
+BENCHMARK(BM_Tree)->DenseRange(0, 2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// An action by reference against the same press by name: the verification of
+// the reference is what it costs more.
+void BM_PressByReference(benchmark::State& state) {
+    const char* find = R"({"app":"zeblo-many-gtk","role":"button","name":"Button 249"})";
+    const char* found = zeblo_element_find(find);
+    const std::string ref = nlohmann::json::parse(found)["matches"][0]["ref"];
+    zeblo_free_string(found);
+    for (auto _ : state) {
+        const char* result = state.range(0) == 0 ? zeblo_element_act(ref.c_str(), "press", nullptr) : nullptr;
+        if (state.range(0) == 1) benchmark::DoNotOptimize(zeblo_click_button("zeblo-many-gtk", nullptr, "Button 249"));
+        zeblo_free_string(result);
+    }
+}
+BENCHMARK(BM_PressByReference)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+bool prepareMany() {
+    const std::string gtk = std::string("/usr/bin/python3 ") + ZEBLO_MANY_GTK + " >/dev/null 2>&1 &";
+    if (std::system(gtk.c_str()) != 0) return false;
+#ifdef ZEBLO_MANY_QT
+    if (!zeblo_launch_app(ZEBLO_MANY_QT)) return false;
+#endif
+    const std::string page = "/tmp/zeblo-many-page.html";
+    std::ofstream html(page);
+    html << "<!doctype html><title>Zeblo Many Page</title>";
+    for (int i = 0; i < 250; ++i) {
+        html << "<div><span>Row " << i << "</span><input aria-label='Field " << i << "' value='value " << i
+             << "'><label><input type=checkbox> Check " << i << "</label><button>Button " << i << "</button></div>";
+    }
+    html.close();
+    const std::string chromium = "chromium --no-sandbox --no-first-run --disable-gpu --user-data-dir=/tmp/zeblo-many-"
+                                 "profile file://" + page + " >/dev/null 2>&1 &";
+    if (std::system(chromium.c_str()) != 0) return false;
+    for (const ManyWindow& many : kMany) {
+#ifndef ZEBLO_MANY_QT
+        if (std::string(many.label) == "Qt") continue;
+#endif
+        if (!zeblo_wait_for_window(many.app, many.window, 0, 30000)) {
+            std::fprintf(stderr, "%s did not show %s\n", many.app, many.window);
+            return false;
+        }
+        // The content is complete once the last row is there.
+        const std::string last =
+            nlohmann::json{{"app", many.app}, {"window", many.window}, {"name", "Button 249"}, {"timeout", 20000}}.dump();
+        zeblo_free_string(zeblo_element_wait(last.c_str()));
+    }
+    return true;
+}
+
 bool prepare() {
     for (const Toolkit& toolkit : kToolkits) {
         for (const auto& [launch, app] : {std::pair{toolkit.menuLaunch, toolkit.menuApp}, {toolkit.textLaunch, toolkit.textApp}}) {
@@ -227,7 +308,7 @@ nlohmann::json pyatspiMedians(const char* script, const Toolkit& toolkit) {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (!prepare()) return 1;
+    if (!prepare() || !prepareMany()) return 1;
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
@@ -254,6 +335,25 @@ int main(int argc, char** argv) {
                     toolkit.textApp, python.value("text_elements", 0));
     }
     std::printf("text of a Chromium page of 200 elements: %.2f ms (median)\n", reporter.medianMs["BM_WindowText/" + std::to_string(kChromiumPage)]);
+    for (std::size_t m = 0; m < std::size(kMany); ++m) {
+        const std::string command = std::string("/usr/bin/python3 ") + ZEBLO_PYATSPI_WALKS + " tree " + kMany[m].app +
+                                    " " + std::to_string(kPythonRepetitions) + " 2>/dev/null";
+        std::string out;
+        if (FILE* pipe = popen(command.c_str(), "r")) {
+            char buffer[4096];
+            std::size_t got = 0;
+            while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, got);
+            pclose(pipe);
+        }
+        const nlohmann::json python = nlohmann::json::parse(out, nullptr, false);
+        const double ours = reporter.medianMs["BM_Tree/" + std::to_string(m)];
+        const double theirs = python.is_object() ? python.value("tree_ms", 0.0) : 0.0;
+        std::printf("element tree of %s's window of 1,000 controls: %.2f ms, pyatspi %.2f ms (%d elements), %.1fx\n",
+                    kMany[m].label, ours, theirs, python.is_object() ? python.value("tree_elements", 0) : 0,
+                    ours > 0 ? theirs / ours : 0.0);
+    }
+    std::printf("press by reference %.2f ms, by name (zeblo_click_button) %.2f ms (medians)\n",
+                reporter.medianMs["BM_PressByReference/0"], reporter.medianMs["BM_PressByReference/1"]);
     std::printf("lookup beside a stopped application: %+.2f ms (median, against a healthy one)\n",
                 reporter.medianMs["BM_LookupBesideStoppedApp/1"] - reporter.medianMs["BM_LookupBesideStoppedApp/0"]);
     return 0;

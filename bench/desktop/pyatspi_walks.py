@@ -5,6 +5,11 @@
 # every element). Prints the median times in milliseconds as JSON.
 #
 #   pyatspi_walks.py MENU_APP TEXT_APP REPETITIONS
+#   pyatspi_walks.py tree APP REPETITIONS
+#
+# The tree walk reads what the element tree shows of every element a user
+# sees (the showing ones): role, name, description, states, action names and
+# a text's value.
 import json
 import statistics
 import sys
@@ -83,6 +88,32 @@ def window_text(name):
     return text_lines(first_window(application(name)), [])
 
 
+def tree_node(element):
+    role = element.getRole()
+    node = {"role": element.getRoleName(), "name": element.name, "description": element.description,
+            "states": element.getState().getStates()}
+    try:
+        action = element.queryAction()
+        node["actions"] = [action.getName(i) for i in range(action.nActions)]
+    except NotImplementedError:
+        pass
+    if role in TEXT_ROLES:
+        node["value"] = element.queryText().getText(0, -1)
+    children = [tree_node(child) for child in element
+                if child is not None and child.getState().contains(pyatspi.STATE_SHOWING)]
+    if children:
+        node["children"] = children
+    return node
+
+
+def count(node):
+    return 1 + sum(count(child) for child in node.get("children", []))
+
+
+def tree(name):
+    return tree_node(first_window(application(name)))
+
+
 def median_ms(walk, name, repetitions):
     times = []
     for _ in range(repetitions):
@@ -93,6 +124,10 @@ def median_ms(walk, name, repetitions):
 
 
 def main():
+    if sys.argv[1] == "tree":
+        app, repetitions = sys.argv[2], int(sys.argv[3])
+        print(json.dumps({"tree_ms": median_ms(tree, app, repetitions), "tree_elements": count(tree(app))}))
+        return
     # A menu application of "-" times the window text only.
     menu_app, text_app, repetitions = sys.argv[1], sys.argv[2], int(sys.argv[3])
     medians = {"text_ms": median_ms(window_text, text_app, repetitions),
