@@ -7,6 +7,13 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh --desktop
 BUILD_DIR=${BUILD_DIR:-build} scripts/build.sh
 scripts/desktop-session.sh "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_brief=1 "$@"
+# An agent's task through the MCP server and the official client (its npm
+# packages are installed by the test command).
+if [ $# -eq 0 ] && [ -d tests/mcp_client/node_modules ]; then
+  echo "== an agent's task through the MCP server"
+  scripts/desktop-session.sh node tests/mcp_client/agent_scenario.mjs "${BUILD_DIR:-build}/zeblo" \
+    "$PWD/tests/linux_e2e/testapp.py"
+fi
 # The same applications natively on Wayland, with no X server, under sway
 # (wlroots), mutter (GNOME) and KWin (KDE): the cases that do not need X11's
 # own tools. weston offers no way to send keys: the keyboard calls fail with

@@ -67,6 +67,15 @@ TEST(SharedLibrary, ExportsOnlyTheCFunctions) {
     }
     EXPECT_TRUE(fileContains(ZEBLO_SIMULATED_LIBRARY_PATH, "ZEBLO_SIMULATE"));
     EXPECT_FALSE(fileContains(ZEBLO_SHARED_LIBRARY_PATH, "ZEBLO_SIMULATE"));
+
+    // The superset library and its twin: the same 25 and the element interface.
+    std::set<std::string> plus = wanted;
+    plus.insert({"zeblo_element_tree", "zeblo_element_find", "zeblo_element_get", "zeblo_element_act",
+                 "zeblo_element_wait", "zeblo_press_keys", "zeblo_last_failure"});
+    for (const std::string library : {ZEBLO_PLUS_LIBRARY_PATH, ZEBLO_PLUS_SIMULATED_LIBRARY_PATH}) {
+        EXPECT_EQ(exportedSymbols(library), plus) << library;
+    }
+    EXPECT_FALSE(fileContains(ZEBLO_PLUS_LIBRARY_PATH, "ZEBLO_SIMULATE"));
 }
 
 }  // namespace

@@ -110,3 +110,21 @@ TEST(Cli, TraceEndsWithTheClosingRecord) {
 
 }  // namespace
 }  // namespace zeblo::testing
+
+namespace zeblo::testing {
+namespace {
+
+TEST(Cli, ElementCommandsFindActAndExitWithOneOnAnErrorObject) {
+    const ToolRun found = runTool(onExample("find 'Quick Notes' author textfield Settings"));
+    ASSERT_EQ(found.exitCode, 0) << found.out;
+    const nlohmann::json matches = nlohmann::json::parse(found.out)["matches"];
+    ASSERT_EQ(matches.size(), 1u) << found.out;
+    const std::string ref = matches[0]["ref"];
+    EXPECT_EQ(runTool(onExample("act '" + ref + "' set_value Ada")).exitCode, 0);
+    EXPECT_NE(runTool(onExample("tree 'Quick Notes' Settings")).out.find("\"Autosave notes\""), std::string::npos);
+    EXPECT_EQ(runTool(onExample("act 7:0.9~0000 press")).exitCode, 1);
+    EXPECT_EQ(runTool(onExample("keys Mail 'ctrl+shift+r'")).exitCode, 0);
+}
+
+}  // namespace
+}  // namespace zeblo::testing
