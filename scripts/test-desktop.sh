@@ -11,7 +11,8 @@ scripts/desktop-session.sh "${BUILD_DIR:-build}/tests/test_linux_e2e" --gtest_br
 # packages are installed by the test command).
 if [ $# -eq 0 ] && [ -d tests/mcp_client/node_modules ]; then
   echo "== an agent's task through the MCP server"
-  scripts/desktop-session.sh node tests/mcp_client/agent_scenario.mjs "${BUILD_DIR:-build}/zeblo" \
+  ZEBLO_HELPER="$PWD/${BUILD_DIR:-build}/zeblo-helper" scripts/desktop-session.sh node tests/mcp_client/agent_scenario.mjs \
+    "${BUILD_DIR:-build}/zeblo" \
     "$PWD/tests/linux_e2e/testapp.py"
 fi
 # The same applications natively on Wayland, with no X server, under sway

@@ -12,7 +12,8 @@ assert.ok(tool && testapp, "usage: node agent_scenario.mjs ZEBLO_TOOL TESTAPP");
 const app = "zeblo-testapp";
 
 const client = new Client({ name: "zeblo-agent", version: "1.0.0" });
-await client.connect(new StdioClientTransport({ command: tool, args: ["mcp"], stderr: "inherit" }));
+// The server drives the session this script runs in: its whole environment.
+await client.connect(new StdioClientTransport({ command: tool, args: ["mcp"], env: process.env, stderr: "inherit" }));
 
 const call = async (name, args) => {
   const result = await client.callTool({ name, arguments: args });
