@@ -22,8 +22,10 @@ int main(int argc, char** argv) {
         grid->addWidget(new QCheckBox(QString("Check %1").arg(i)), i, 2);
         grid->addWidget(new QPushButton(QString("Button %1").arg(i)), i, 3);
     }
+    // Every row in view: the walk lists what a user sees.
     window.setWidget(content);
-    window.resize(600, 800);
+    window.setWidgetResizable(true);
+    window.resize(700, content->sizeHint().height() + 10);
     window.show();
     return app.exec();
 }

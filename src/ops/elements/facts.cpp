@@ -40,80 +40,82 @@ bool isFieldRole(std::string_view role) {
 
 bool isLabelRole(std::string_view role) { return role == "AXStaticText"; }
 
-// The text of the label shown just before a field among its siblings: the
-// nearest of the two siblings before it that is a label, unless a control
-// stands between them.
-std::string labelBefore(const std::vector<Element>& siblings, std::size_t index) {
-    for (std::size_t back = 1; back <= 2 && back <= index; ++back) {
-        const Element& sibling = siblings[index - back];
-        if (!sibling) continue;
-        const std::string role = readText(sibling, "AXRole");
-        if (isLabelRole(role)) {
-            std::string text = readText(sibling, "AXValue");
-            if (text.empty()) text = readText(sibling, "AXTitle");
-            if (!text.empty()) return text;
-            continue;
-        }
-        if (isFieldRole(role) || role == "AXButton" || role == "AXCheckBox" || role == "AXRadioButton") break;
-    }
-    return {};
-}
-
 bool sameRow(const platform::Frame& a, const platform::Frame& b) {
     const double overlap = std::min(a.y + a.height, b.y + b.height) - std::max(a.y, b.y);
     return overlap > 0 && overlap >= std::min(a.height, b.height) / 2;
 }
 
-// The text of the label a user reads as a field's: the nearest label to its
-// left on the same row, else the nearest above it, among its siblings, as
-// they are drawn (a grid may list them in any order). Without frames, the
-// label just before it in the list.
-std::string labelFor(const std::vector<Element>& siblings, std::size_t index) {
-    platform::Platform& p = desk();
-    const std::optional<platform::Frame> field = p.frameOf(siblings[index]);
-    if (!field || field->width <= 0 || field->height <= 0) return labelBefore(siblings, index);
-    struct Candidate {
-        double distance = 0;
-        std::string text;
-        platform::Frame frame;
-    };
-    std::optional<Candidate> best;
-    std::vector<platform::Frame> controls;  // others that a label to the left must not be behind
-    for (std::size_t j = 0; j < siblings.size(); ++j) {
-        if (j == index || !siblings[j]) continue;
-        const std::optional<platform::Frame> frame = p.frameOf(siblings[j]);
-        if (!frame || frame->width <= 0 || frame->height <= 0) continue;
-        const std::string role = readText(siblings[j], "AXRole");
-        if (!isLabelRole(role)) {
-            if (isFieldRole(role) || role == "AXButton" || role == "AXCheckBox") controls.push_back(*frame);
-            continue;
+bool isControlRole(std::string_view role) {
+    return isFieldRole(role) || role == "AXButton" || role == "AXCheckBox" || role == "AXRadioButton";
+}
+
+}  // namespace
+
+const std::vector<Siblings::Seen>& Siblings::seen() const {
+    if (!seen_) {
+        platform::Platform& p = desk();
+        seen_.emplace(elements_.size());
+        for (std::size_t j = 0; j < elements_.size(); ++j) {
+            if (!elements_[j]) continue;
+            Seen& s = (*seen_)[j];
+            s.role = readText(elements_[j], "AXRole");
+            if (isLabelRole(s.role)) {
+                s.text = readText(elements_[j], "AXValue");
+                if (s.text.empty()) s.text = readText(elements_[j], "AXTitle");
+            }
+            if (isLabelRole(s.role) || isControlRole(s.role)) s.frame = p.frameOf(elements_[j]);
         }
+    }
+    return *seen_;
+}
+
+std::string Siblings::labelFor(std::size_t index) const {
+    // As a user reads it: the nearest label to the field's left on its row,
+    // else the nearest above it, as they are drawn (a grid may list its cells
+    // in any order). Without frames, the label just before it in the list,
+    // unless a control stands between them.
+    const std::vector<Seen>& all = seen();
+    const std::optional<platform::Frame>& field = all[index].frame;
+    if (!field || field->width <= 0 || field->height <= 0) {
+        for (std::size_t back = 1; back <= 2 && back <= index; ++back) {
+            const Seen& s = all[index - back];
+            if (isLabelRole(s.role) && !s.text.empty()) return s.text;
+            if (isControlRole(s.role)) break;
+        }
+        return {};
+    }
+    constexpr double kRowAbove = 100'000;  // a label above counts after any on the row
+    const Seen* best = nullptr;
+    double bestDistance = 0;
+    for (std::size_t j = 0; j < all.size(); ++j) {
+        const Seen& s = all[j];
+        if (j == index || s.text.empty() || !s.frame || s.frame->width <= 0 || s.frame->height <= 0) continue;
+        const platform::Frame& f = *s.frame;
         double distance = 0;
-        if (sameRow(*frame, *field) && frame->x + frame->width <= field->x + 2) {
-            distance = field->x - (frame->x + frame->width);
-        } else if (frame->y + frame->height <= field->y + 2 && frame->x < field->x + field->width &&
-                   frame->x + frame->width > field->x) {
-            distance = 100'000 + field->y - (frame->y + frame->height);  // a row above counts after the row
+        if (sameRow(f, *field) && f.x + f.width <= field->x + 2) {
+            distance = field->x - (f.x + f.width);
+        } else if (f.y + f.height <= field->y + 2 && f.x < field->x + field->width && f.x + f.width > field->x) {
+            distance = kRowAbove + field->y - (f.y + f.height);
         } else {
             continue;
         }
-        if (best && best->distance <= distance) continue;
-        std::string text = readText(siblings[j], "AXValue");
-        if (text.empty()) text = readText(siblings[j], "AXTitle");
-        if (!text.empty()) best = Candidate{distance, std::move(text), *frame};
+        if (best == nullptr || distance < bestDistance) {
+            best = &s;
+            bestDistance = distance;
+        }
     }
-    if (!best) return {};
-    for (const platform::Frame& c : controls) {
+    if (best == nullptr) return {};
+    for (std::size_t j = 0; j < all.size(); ++j) {
         // Another control between the label and the field: the label is its.
-        if (best->distance < 100'000 && sameRow(c, *field) && c.x >= best->frame.x + best->frame.width - 2 &&
-            c.x + c.width <= field->x + 2) {
+        const Seen& s = all[j];
+        if (j == index || !isControlRole(s.role) || !s.frame || bestDistance >= kRowAbove) continue;
+        if (sameRow(*s.frame, *field) && s.frame->x >= best->frame->x + best->frame->width - 2 &&
+            s.frame->x + s.frame->width <= field->x + 2) {
             return {};
         }
     }
     return best->text;
 }
-
-}  // namespace
 
 bool Facts::checkable() const {
     return role == "AXCheckBox" || role == "AXRadioButton" || role == "AXSwitch" || role == "AXToggle";
@@ -140,7 +142,7 @@ std::string roleKey(std::string_view role) {
 
 std::string shortAction(std::string_view action) { return shortRole(action); }
 
-Facts readFacts(const Element& e, const std::vector<Element>* siblings, std::size_t index, bool withActions) {
+Facts readFacts(const Element& e, const Siblings* siblings, std::size_t index, bool withActions) {
     platform::Platform& p = desk();
     Facts f;
     f.role = readText(e, "AXRole");
@@ -168,10 +170,12 @@ Facts readFacts(const Element& e, const std::vector<Element>* siblings, std::siz
     if (f.name.empty() && !f.description.empty()) f.name = std::move(f.description);
     if (f.name.empty() && isFieldRole(f.role)) {
         // A field is called by its accessible label, else by the hint it
-        // shows while empty, else by the label before it.
+        // shows while it is empty, else by the label beside it.
         f.name = readText(e, kToolkitName);
-        if (f.name.empty()) f.name = readText(e, "AXPlaceholderValue");
-        if (f.name.empty() && siblings != nullptr && index < siblings->size()) f.name = labelFor(*siblings, index);
+        if (f.name.empty() && f.value.empty()) f.name = readText(e, "AXPlaceholderValue");
+        if (f.name.empty() && siblings != nullptr && index < siblings->elements().size()) {
+            f.name = siblings->labelFor(index);
+        }
     }
     if (f.description == f.name) f.description.clear();
 

@@ -41,11 +41,33 @@ struct Facts {
     bool mixed() const { return checkable() && number == 2; }
 };
 
+// A list of children read together. An unnamed field among them takes the
+// name of the label drawn beside it: what that needs of the others (their
+// roles, frames and texts) is read once for the whole list, on first use.
+class Siblings {
+public:
+    explicit Siblings(std::vector<platform::Element> elements) : elements_(std::move(elements)) {}
+    Siblings() = default;
+    const std::vector<platform::Element>& elements() const { return elements_; }
+    // The text of the label a user reads as the field's at `index`, or "".
+    std::string labelFor(std::size_t index) const;
+
+private:
+    struct Seen {
+        std::string role;
+        std::optional<platform::Frame> frame;
+        std::string text;  // a label's
+    };
+    const std::vector<Seen>& seen() const;
+    std::vector<platform::Element> elements_;
+    mutable std::optional<std::vector<Seen>> seen_;
+};
+
 // Reads the facts of `element`. `siblings` and `index` (the list it was read
-// from and its place there) let an unnamed field take the name of the label
-// before it. `withActions`: also reads the action names.
-Facts readFacts(const platform::Element& element, const std::vector<platform::Element>* siblings = nullptr,
-                std::size_t index = 0, bool withActions = true);
+// from and its place there) let an unnamed field take the name of its label.
+// `withActions`: also reads the action names.
+Facts readFacts(const platform::Element& element, const Siblings* siblings = nullptr, std::size_t index = 0,
+                bool withActions = true);
 
 // The role as the results show it: "AXPopUpButton" is "popupbutton".
 std::string shortRole(std::string_view role);

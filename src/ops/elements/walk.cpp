@@ -85,7 +85,7 @@ namespace {
 // it was read from and its index there.
 struct Reached {
     Element element;
-    std::vector<Element> siblings;
+    Siblings siblings;
     std::size_t index = 0;
     std::string appName;
 };
@@ -165,7 +165,7 @@ Reached reach(const Reference& ref, const std::string& shown) {
             throw ElementError::stale(shown, "the element is gone (or no longer shown)");
         }
         at = children[step];
-        out.siblings = std::move(children);
+        out.siblings = Siblings(std::move(children));
         out.index = step;
     }
     out.element = std::move(at);
@@ -288,7 +288,8 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         }
         const std::size_t shownBelow = w.nodes[next].shown + (w.nodes[next].listed ? 1 : 0);
         if (w.nodes[next].depth >= 49) continue;
-        std::vector<Element> children = childrenOf(w.nodes[next].element, limits.hidden);
+        const Siblings siblings(childrenOf(w.nodes[next].element, limits.hidden));
+        const std::vector<Element>& children = siblings.elements();
         w.nodes[next].expanded = true;
         if (shownBelow > limits.maxDepth) {
             w.nodes[next].more = children.size();
@@ -298,7 +299,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         std::size_t seen = 0;  // the index among the children a user sees
         std::size_t listedHere = 0;
         for (std::size_t j = 0; j < children.size(); ++j) {
-            Element& child = children[j];
+            const Element& child = children[j];
             if (!child) {
                 ++seen;
                 continue;
@@ -325,7 +326,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
                 break;
             }
             Visited v;
-            v.facts = readFacts(child, &children, j);
+            v.facts = readFacts(child, &siblings, j);
             // Under an element a user cannot see, nothing is seen.
             v.facts.visible = visible && w.nodes[next].facts.visible;
             if (v.facts.visible && w.nodes[next].at) {
