@@ -8,8 +8,8 @@
 #   pyatspi_walks.py tree APP REPETITIONS
 #
 # The tree walk reads what the element tree shows of every element a user
-# sees (the showing ones): role, name, description, states, action names and
-# a text's value.
+# sees (the showing ones; inside a web page the visible ones): role, name,
+# description, states, action names and a text's value.
 import json
 import statistics
 import sys
@@ -88,8 +88,10 @@ def window_text(name):
     return text_lines(first_window(application(name)), [])
 
 
-def tree_node(element):
+def tree_node(element, seen=pyatspi.STATE_SHOWING):
     role = element.getRole()
+    if role == pyatspi.ROLE_DOCUMENT_WEB:
+        seen = pyatspi.STATE_VISIBLE  # a page's content scrolled out of view is not showing
     node = {"role": element.getRoleName(), "name": element.name, "description": element.description,
             "states": element.getState().getStates()}
     try:
@@ -99,8 +101,8 @@ def tree_node(element):
         pass
     if role in TEXT_ROLES:
         node["value"] = element.queryText().getText(0, -1)
-    children = [tree_node(child) for child in element
-                if child is not None and child.getState().contains(pyatspi.STATE_SHOWING)]
+    children = [tree_node(child, seen) for child in element
+                if child is not None and child.getState().contains(seen)]
     if children:
         node["children"] = children
     return node

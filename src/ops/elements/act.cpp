@@ -21,10 +21,6 @@ std::string describe(const Facts& f) {
     return shortRole(f.role) + (f.name.empty() ? std::string() : " '" + f.name + "'");
 }
 
-bool offers(const Facts& f, std::string_view action) {
-    return std::find(f.actions.begin(), f.actions.end(), action) != f.actions.end();
-}
-
 // Sends `action`; true when it was performed (or delivered without an
 // answer, which counts as performed).
 bool perform(const Element& e, std::string_view action) {
@@ -200,6 +196,13 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
     if (!f.enabled && *kind != Kind::focus && *kind != Kind::scroll) {
         throw ElementError::action("disabled", "The " + describe(f) + " is disabled");
     }
+    // Whether the element offers an action: its action names are read on the
+    // first question (the verification does not read them).
+    std::optional<std::vector<std::string>> actionNames;
+    const auto offers = [&](std::string_view action) {
+        if (!actionNames) actionNames = desk().copyActionNames(r.element).names.value_or(std::vector<std::string>{});
+        return std::find(actionNames->begin(), actionNames->end(), action) != actionNames->end();
+    };
     Json out = Json::object();
     out["ok"] = true;
     static constexpr const char* kCanonical[] = {"press",  "toggle",   "check",    "uncheck",   "focus",
@@ -251,7 +254,7 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
                 shows([&] { return readBool(r.element, "AXSelected").value_or(false); })) {
                 break;
             }
-            if (!offers(f, "AXPress")) {
+            if (!offers("AXPress")) {
                 throw ElementError::action("refused", "The " + describe(f) + " cannot be selected");
             }
             press(r);
@@ -304,7 +307,7 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
                                                                 "AXMenuBarItem", "AXMenuItem", "AXComboBox",
                                                                 "AXCheckBox"};
             const bool pressedOpen =
-                !offers(f, "AXShowMenu") && offers(f, "AXPress") &&
+                !offers("AXShowMenu") && offers("AXPress") &&
                 std::find(std::begin(kPressedOpen), std::end(kPressedOpen), f.role) != std::end(kPressedOpen);
             if (pressedOpen) {
                 press(r);

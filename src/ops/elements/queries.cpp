@@ -202,7 +202,7 @@ std::string find(std::string_view queryText) {
 }
 
 std::string get(std::string_view ref) {
-    const Resolved r = resolve(ref);
+    const Resolved r = resolve(ref, true);
     Json out = Json::object();
     out["app"] = r.appName;
     out["pid"] = r.ref.pid;

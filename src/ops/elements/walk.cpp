@@ -94,7 +94,7 @@ Reached reach(const Reference& ref, const std::string& shown);
 
 }  // namespace
 
-Resolved resolve(std::string_view text) {
+Resolved resolve(std::string_view text, bool withActions) {
     const std::optional<Reference> parsed = parseReference(text);
     const std::string shown(text.substr(0, 80));
     if (!parsed) {
@@ -105,7 +105,7 @@ Resolved resolve(std::string_view text) {
     Resolved out;
     out.ref = *parsed;
     out.appName = std::move(at.appName);
-    out.facts = readFacts(at.element, parsed->path.empty() ? nullptr : &at.siblings, at.index);
+    out.facts = readFacts(at.element, parsed->path.empty() ? nullptr : &at.siblings, at.index, withActions);
     if (checkOf(out.facts.role, out.facts.name) != parsed->check) {
         throw ElementError::stale(shown, "the element there is now " + shortRole(out.facts.role) +
                                              (out.facts.name.empty() ? std::string()
@@ -119,7 +119,7 @@ Reference ancestorOf(const Reference& ref, std::size_t levels) {
     Reference up = ref;
     up.path.resize(up.path.size() - std::min(levels, up.path.size()));
     Reached at = reach(up, format(up));
-    const Facts facts = readFacts(at.element, up.path.empty() ? nullptr : &at.siblings, at.index);
+    const Facts facts = readFacts(at.element, up.path.empty() ? nullptr : &at.siblings, at.index, false);
     up.check = checkOf(facts.role, facts.name);
     return up;
 }
@@ -226,7 +226,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         w.nodes.push_back(std::move(v));
     };
     if (!scope.ref.empty()) {
-        Resolved r = resolve(scope.ref);
+        Resolved r = resolve(scope.ref, true);
         w.appName = r.appName;
         w.pid = r.ref.pid;
         Visited v;

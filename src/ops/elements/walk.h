@@ -38,8 +38,10 @@ struct Resolved {
 };
 
 // Resolves `text` and verifies its check; throws the "stale" kind when the
-// element is gone or is another one now.
-Resolved resolve(std::string_view text);
+// element is gone or is another one now. The verification reads what the
+// check needs and the states; the action names only with `withActions` (on
+// Linux they come in one batch for the whole window).
+Resolved resolve(std::string_view text, bool withActions = false);
 // The reference of the element `levels` above the one `ref` leads to (at
 // most its window or menu bar), with the check of what is there now.
 Reference ancestorOf(const Reference& ref, std::size_t levels);
