@@ -53,7 +53,6 @@ bool isControlRole(std::string_view role) {
 
 const std::vector<Siblings::Seen>& Siblings::seen() const {
     if (!seen_) {
-        platform::Platform& p = desk();
         seen_.emplace(elements_.size());
         for (std::size_t j = 0; j < elements_.size(); ++j) {
             if (!elements_[j]) continue;
@@ -63,10 +62,19 @@ const std::vector<Siblings::Seen>& Siblings::seen() const {
                 s.text = readText(elements_[j], "AXValue");
                 if (s.text.empty()) s.text = readText(elements_[j], "AXTitle");
             }
-            if (isLabelRole(s.role) || isControlRole(s.role)) s.frame = p.frameOf(elements_[j]);
         }
     }
     return *seen_;
+}
+
+void Siblings::readFrames() const {
+    if (framesRead_) return;
+    framesRead_ = true;
+    platform::Platform& p = desk();
+    std::vector<Seen>& all = *seen_;
+    for (std::size_t j = 0; j < elements_.size(); ++j) {
+        if (elements_[j] && (isLabelRole(all[j].role) || isControlRole(all[j].role))) all[j].frame = p.frameOf(elements_[j]);
+    }
 }
 
 std::string Siblings::labelFor(std::size_t index) const {
@@ -75,15 +83,23 @@ std::string Siblings::labelFor(std::size_t index) const {
     // in any order). Without frames, the label just before it in the list,
     // unless a control stands between them.
     const std::vector<Seen>& all = seen();
-    const std::optional<platform::Frame>& field = all[index].frame;
-    if (!field || field->width <= 0 || field->height <= 0) {
-        for (std::size_t back = 1; back <= 2 && back <= index; ++back) {
-            const Seen& s = all[index - back];
-            if (isLabelRole(s.role) && !s.text.empty()) return s.text;
-            if (isControlRole(s.role)) break;
+    // The label before the field in the list, with no control between them.
+    std::string before;
+    for (std::size_t back = 1; back <= 2 && back <= index; ++back) {
+        const Seen& s = all[index - back];
+        if (isLabelRole(s.role) && !s.text.empty()) {
+            before = s.text;
+            break;
         }
-        return {};
+        if (isControlRole(s.role)) break;
     }
+    // A label just before and none just after: the list is in reading
+    // order, and its frames need not be read.
+    const bool labelAfter = index + 1 < all.size() && isLabelRole(all[index + 1].role);
+    if (!before.empty() && !labelAfter) return before;
+    readFrames();
+    const std::optional<platform::Frame>& field = all[index].frame;
+    if (!field || field->width <= 0 || field->height <= 0) return before;
     constexpr double kRowAbove = 100'000;  // a label above counts after any on the row
     const Seen* best = nullptr;
     double bestDistance = 0;

@@ -59,8 +59,11 @@ private:
         std::string text;  // a label's
     };
     const std::vector<Seen>& seen() const;
+    // Reads the frames of the labels and controls (once).
+    void readFrames() const;
     std::vector<platform::Element> elements_;
     mutable std::optional<std::vector<Seen>> seen_;
+    mutable bool framesRead_ = false;
 };
 
 // Reads the facts of `element`. `siblings` and `index` (the list it was read
