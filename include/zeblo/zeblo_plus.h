@@ -49,8 +49,9 @@
 **                ("button", "checkbox", "textfield", "popupbutton",
 **                "menuitem", "statictext", "window"...);
 **   name         what a user calls it: its title, a label's text, else its
-**                description, else, for a field, the text of the label just
-**                before it;
+**                description, else, for a field, its accessible label, the
+**                label drawn beside it (to its left on its row, or just
+**                above it) or the hint it shows while empty;
 **   value        a text's contents, a slider's position; a check box's state
 **                is in states instead;
 **   states       those that hold, of "disabled", "hidden", "focused",

@@ -110,7 +110,9 @@ std::string Siblings::labelFor(std::size_t index) const {
         double distance = 0;
         if (sameRow(f, *field) && f.x + f.width <= field->x + 2) {
             distance = field->x - (f.x + f.width);
-        } else if (f.y + f.height <= field->y + 2 && f.x < field->x + field->width && f.x + f.width > field->x) {
+        } else if (f.y + f.height <= field->y + 2 && field->y - (f.y + f.height) <= std::max(field->height, 40.0) &&
+                   f.x < field->x + field->width && f.x + f.width > field->x) {
+            // Just above it (a caption over the field), not anywhere above.
             distance = kRowAbove + field->y - (f.y + f.height);
         } else {
             continue;
@@ -185,13 +187,14 @@ Facts readFacts(const Element& e, const Siblings* siblings, std::size_t index, b
     }
     if (f.name.empty() && !f.description.empty()) f.name = std::move(f.description);
     if (f.name.empty() && isFieldRole(f.role)) {
-        // A field is called by its accessible label, else by the hint it
-        // shows while it is empty, else by the label beside it.
+        // A field is called by its accessible label, else by the label
+        // beside it, else by the hint it shows while empty (which stays its
+        // name once it is filled in, so that a reference to it stays good).
         f.name = readText(e, kToolkitName);
-        if (f.name.empty() && f.value.empty()) f.name = readText(e, "AXPlaceholderValue");
         if (f.name.empty() && siblings != nullptr && index < siblings->elements().size()) {
             f.name = siblings->labelFor(index);
         }
+        if (f.name.empty()) f.name = readText(e, "AXPlaceholderValue");
     }
     if (f.description == f.name) f.description.clear();
 
