@@ -169,3 +169,37 @@ TEST_F(Mcp, ArgumentsAreCheckedAgainstTheSchema) {
 
 }  // namespace
 }  // namespace zeblo::testing
+
+namespace zeblo::testing {
+namespace {
+
+class McpElements : public SimTest {
+protected:
+    Json call(const std::string& tool, const Json& arguments) {
+        const auto answer = server.handle(
+            Json{{"jsonrpc", "2.0"}, {"id", 1}, {"method", "tools/call"}, {"params", {{"name", tool}, {"arguments", arguments}}}}
+                .dump());
+        EXPECT_EQ(desk().liveHandles(), 0) << tool;
+        return Json::parse(answer.value_or("{}"))["result"];
+    }
+    mcp::Server server;
+};
+
+TEST_F(McpElements, OutlinesWithReferencesCapsAndTheKindOfEveryFailure) {
+    loadFile("examples/desktop.json");
+    const std::string outline =
+        call("get_ui_tree", {{"app_name", "Quick Notes"}, {"window_name", "Settings"}})["content"][0]["text"];
+    EXPECT_NE(outline.find("\n  - checkbox \"Autosave notes\" ["), std::string::npos) << outline;
+    const std::string small = call("get_ui_tree", {{"app_name", "Quick Notes"}, {"max_chars", 1000}, {"max_nodes", 3}})
+                                  ["content"][0]["text"];
+    EXPECT_NE(small.find("truncated"), std::string::npos) << small;
+    // A failure of the 24 and of the element tools: the reason, then its kind and case.
+    const Json missed = call("click_button", {{"app_name", "Quick Notes"}, {"button_name", "Publish"}});
+    EXPECT_EQ(Json::parse(missed["content"][1]["text"].get<std::string>())["case"], "buttonNotFound");
+    const Json stale = call("act_on_element", {{"ref", "120:0.99~0000"}, {"action", "press"}});
+    EXPECT_TRUE(stale["isError"].get<bool>());
+    EXPECT_EQ(Json::parse(stale["content"][1]["text"].get<std::string>())["kind"], "stale");
+}
+
+}  // namespace
+}  // namespace zeblo::testing
