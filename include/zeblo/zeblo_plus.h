@@ -89,6 +89,8 @@ extern "C" {
 **                                window; absent: every window
 **         "ref": REF             optional; the tree under that element
 **                                instead
+**         "menuBar": false       the application's menu bar instead (its
+**                                items' references start "PID:m")
 **         "maxNodes": 500        nodes listed, at most
 **         "maxDepth": 30         levels listed below the root
 **         "maxChildren": 100     children listed under one node

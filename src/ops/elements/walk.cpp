@@ -76,6 +76,10 @@ Scope scopeOf(const Json& query) {
     scope.app = text("app").value_or("");
     scope.window = text("window");
     scope.ref = text("ref").value_or("");
+    if (const auto it = query.find("menuBar"); it != query.end() && !it->is_null()) {
+        if (!it->is_boolean()) throw ElementError::usage("badQuery", "\"menuBar\" must be true or false");
+        scope.menuBar = it->get<bool>();
+    }
     return scope;
 }
 
@@ -242,7 +246,8 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         w.appName = app.localizedName.value_or("");
         w.pid = app.pid;
         const Element appElement = p.createApplicationElement(app.pid);
-        std::vector<Element> windows = scope.popups ? std::vector<Element>{} : windowsOf(appElement, w.appName);
+        std::vector<Element> windows =
+            scope.popups || scope.menuBar ? std::vector<Element>{} : windowsOf(appElement, w.appName);
         if (scope.window && scope.window->empty() && !windows.empty() && windows.front()) windows.resize(1);
         bool any = false;
         for (std::size_t i = 0; i < windows.size(); ++i) {
@@ -258,6 +263,19 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
             addRoot(std::move(windows[i]), ref, "");
             any = true;
             if (scope.window) break;
+        }
+        if (scope.menuBar) {
+            // The menu bar (macOS keeps it on the application, not in a window).
+            auto bar = platform::asElement(p.copyAttributeValue(appElement, "AXMenuBar"));
+            if (bar.code == platform::kAXErrorCannotComplete) throw unanswered(w.appName);
+            if (!bar.ok() || !bar.value) {
+                throw ElementError("notFound", "noMenuBar", "Application '" + w.appName + "' has no menu bar");
+            }
+            Reference ref;
+            ref.pid = app.pid;
+            ref.menuBar = true;
+            addRoot(std::move(bar.value), ref, "");
+            any = true;
         }
         if (scope.popups) {
             auto popups = platform::asElementArray(p.copyAttributeValue(appElement, kPopups));

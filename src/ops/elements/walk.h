@@ -26,6 +26,7 @@ struct Scope {
     std::optional<std::string> window;
     std::string ref;
     bool popups = false;  // the application's open pop-up menus instead of its windows
+    bool menuBar = false;  // the application's menu bar instead of its windows
 };
 
 // A resolved reference: the element, what it is, and the list it was read

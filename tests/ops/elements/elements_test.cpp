@@ -94,6 +94,16 @@ TEST_F(Elements, TreeListsWhatAUserSeesWithReferencesAndLabelledFields) {
     }
     EXPECT_TRUE(sawCancel);
 
+    // The menu bar, where macOS keeps it: on the application.
+    desk().apps()[0].element->setAttr("AXMenuBar", desk().node("popover"));
+    desk().node("popover")->hidden = false;
+    const Json bar = tree({{"app", "Notes"}, {"menuBar", true}});
+    EXPECT_EQ(bar["tree"][0]["children"][0]["name"], "Bold");
+    const std::string bold = bar["tree"][0]["children"][0]["ref"];
+    EXPECT_EQ(bold.substr(0, 5), "7:m.0");
+    EXPECT_EQ(act(bold, "press")["ok"], true);
+    desk().node("popover")->hidden = true;
+
     // Limits say what they left out.
     const Json small = tree({{"maxNodes", 3}});
     EXPECT_EQ(small["nodes"], 3);

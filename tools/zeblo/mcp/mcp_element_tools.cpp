@@ -119,13 +119,15 @@ void addElementTools(std::vector<Tool>& t) {
                   integer("max_depth", "Levels listed below the window.", 0, 49, 30),
                   integer("max_text", "Characters of a name or value.", 10, 2000, 80),
                   integer("max_chars", "Characters of the whole answer.", 1000, 200000, 20000),
-                  optionalFlag("include_hidden", "Also list elements a user cannot see (no references).")},
+                  optionalFlag("include_hidden", "Also list elements a user cannot see (no references)."),
+                  optionalFlag("menu_bar", "The application's menu bar instead of its windows.")},
                  true, true, [](const Arguments& a) {
                      Json q = query(a, {{"app_name", "app"}, {"window_name", "window"}, {"ref", "ref"}});
                      q["maxNodes"] = a.integer("max_nodes");
                      q["maxDepth"] = a.integer("max_depth");
                      q["maxText"] = a.integer("max_text");
                      if (a.value("include_hidden").is_boolean()) q["hidden"] = a.flag("include_hidden");
+                     if (a.value("menu_bar").is_boolean()) q["menuBar"] = a.flag("menu_bar");
                      Result r = call(zeblo_element_tree(q.dump().c_str()));
                      if (r.failed) return *r.failed;
                      std::vector<std::string> lines;
