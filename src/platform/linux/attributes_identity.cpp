@@ -1,4 +1,5 @@
 // Identity attributes: "AXRole", "AXTitle", "AXDescription".
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/attributes.h"
 
@@ -51,8 +52,8 @@ int Reading::childCount() const {
 }
 
 std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXRole") return ok(axRole(r.node));
-    if (attribute == "AXTitle") {
+    if (attribute == ax::kRoleAttribute) return ok(axRole(r.node));
+    if (attribute == ax::kTitleAttribute) {
         // Labels and texts have their text as value, not as title.
         if (r.role == ATSPI_ROLE_LABEL || r.role == ATSPI_ROLE_STATIC || isTextRole(r.role)) return unsupported();
         if (r.textInChildren()) return ok(std::string());
@@ -70,7 +71,7 @@ std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view att
         if (title.empty() && r.role == ATSPI_ROLE_CHECK_BOX) title = rowNameOf(r.object);
         return ok(std::move(title));
     }
-    if (attribute == "AXDescription") {
+    if (attribute == ax::kDescriptionAttribute) {
         std::string description;
         if (r.item != nullptr) {
             description = r.item->description;

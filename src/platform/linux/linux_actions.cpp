@@ -4,6 +4,7 @@
 // wanted state.
 #include <chrono>
 
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/reply_limit.h"
@@ -191,7 +192,7 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     touch();
     Node* n = node(element);
     if (n == nullptr) return kAXErrorIllegalArgument;
-    if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
+    if (action != ax::kPressAction && action != ax::kPickAction) return kAXErrorActionUnsupported;
     try {
         switch (n->kind) {
             case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
@@ -207,7 +208,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
-    if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
+    if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{ax::kPressAction}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
     AXError code = kAXErrorSuccess;
     std::vector<std::string> names = actionNames(n->object.get(), code);
@@ -217,7 +218,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     bool pressListed = false;
     for (std::string& name : names) {
         if (isPressName(name)) {
-            if (!pressListed) out.emplace_back("AXPress");
+            if (!pressListed) out.emplace_back(ax::kPressAction);
             pressListed = true;
         } else {
             out.push_back(std::move(name));
@@ -231,7 +232,7 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     touch();
     Node* n = node(element);
     if (n == nullptr || n->kind != Node::Kind::accessible) return kAXErrorIllegalArgument;
-    if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
+    if (attribute != ax::kValueAttribute) return kAXErrorAttributeUnsupported;
     const AtspiRole role = roleOf(*n);
     if (const auto* text = std::get_if<std::string>(&value)) {
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
@@ -271,7 +272,7 @@ SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::str
     const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, false};
-    if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
+    if (n->kind != Node::Kind::accessible || attribute != ax::kValueAttribute) return {kAXErrorSuccess, false};
     const AtspiRole role = roleOf(*n);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
     if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_SENSITIVE)};

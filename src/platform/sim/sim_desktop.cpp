@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/ax_names.h"
 #include "platform/sim/sim_state.h"
 
 namespace zeblo::sim {
@@ -76,7 +77,7 @@ namespace {
 
 std::vector<Node*>* windowsOf(SimApp& app) {
     if (app.element == nullptr) return nullptr;
-    Attr* a = app.element->findAttr("AXWindows");
+    Attr* a = app.element->findAttr(ax::kWindowsAttribute);
     return a == nullptr ? nullptr : std::get_if<std::vector<Node*>>(a);
 }
 
@@ -93,7 +94,7 @@ void SimDesktop::Impl::applyChange(const TimelineChange& change) {
         if (auto* windows = windowsOf(*app)) {
             windows->push_back(change.element);
         } else {
-            app->element->setAttr("AXWindows", std::vector<Node*>{change.element});
+            app->element->setAttr(ax::kWindowsAttribute, std::vector<Node*>{change.element});
         }
     } else if (auto it = c.find("removeWindow"); it != c.end()) {
         Node* gone = findNode(it->get<std::string>());

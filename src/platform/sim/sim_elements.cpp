@@ -2,6 +2,7 @@
 // reads and writes, actions (with the effects of a press) and the trust check.
 #include <unordered_set>
 
+#include "platform/ax_names.h"
 #include "platform/sim/sim_state.h"
 
 namespace zeblo::sim {
@@ -73,7 +74,7 @@ bool holds(Node* root, const Node* target) {
 void closeWindowHolding(std::vector<SimApp>& apps, const Node* n) {
     for (auto& app : apps) {
         if (app.element == nullptr) continue;
-        Attr* a = app.element->findAttr("AXWindows");
+        Attr* a = app.element->findAttr(ax::kWindowsAttribute);
         auto* windows = a == nullptr ? nullptr : std::get_if<std::vector<Node*>>(a);
         if (windows == nullptr) continue;
         for (Node* w : *windows) {
@@ -86,9 +87,9 @@ void closeWindowHolding(std::vector<SimApp>& apps, const Node* n) {
 }
 
 void toggle(Node& n) {
-    Attr* a = n.findAttr("AXValue");
+    Attr* a = n.findAttr(ax::kValueAttribute);
     auto* v = a == nullptr ? nullptr : std::get_if<std::int64_t>(a);
-    n.setAttr("AXValue", std::int64_t{v != nullptr && *v == 0 ? 1 : (v != nullptr && *v == 1 ? 0 : 1)});
+    n.setAttr(ax::kValueAttribute, std::int64_t{v != nullptr && *v == 0 ? 1 : (v != nullptr && *v == 1 ? 0 : 1)});
 }
 
 }  // namespace
@@ -226,7 +227,7 @@ AXError SimDesktop::performAction(const platform::Element& element, std::string_
             break;
         }
     }
-    if (result == platform::kAXErrorSuccess && action == "AXPress") {
+    if (result == platform::kAXErrorSuccess && action == ax::kPressAction) {
         if (n->onPress == OnPress::close) closeWindowHolding(impl_->apps, n);
         if (n->onPress == OnPress::toggle) toggle(*n);
     }
