@@ -1,6 +1,12 @@
 // The zeblo tool: every command word reaches its export with its arguments
 // read as documented, the results are printed with their exit codes, usage
 // errors exit with 2, and the trace ends with the closing record.
+#include "cli.h"
+
+#include <map>
+#include <set>
+
+#include "capi/export_table.h"
 #include "support/sim_fixture.h"
 
 namespace zeblo::testing {
@@ -56,6 +62,24 @@ TEST(Cli, EveryCommandOnTheExampleDesktop) {
         EXPECT_EQ(run.exitCode, row.exitCode) << row.args;
         EXPECT_NE(run.out.find(row.expected), std::string::npos) << row.args << "\n" << run.out;
         EXPECT_NE(run.out.find("\"liveHandles\":0"), std::string::npos) << row.args;
+    }
+}
+
+// A command for each export but zeblo_free_string, whose words give each of
+// the export's parameters once.
+TEST(Cli, CommandsFollowTheExportTable) {
+    std::map<std::string_view, int> commandsOf;
+    for (const cli::Command& command : cli::commands()) {
+        const capi::Export* row = capi::findExport(command.exportName);
+        ASSERT_NE(row, nullptr) << command.name;
+        ++commandsOf[row->name];
+        std::multiset<std::string_view> given, wanted;
+        for (const cli::Word& w : command.words) given.insert(w.param);
+        for (const capi::Param& p : row->params) wanted.insert(p.name);
+        EXPECT_EQ(given, wanted) << command.name;
+    }
+    for (const capi::Export& row : capi::exportTable()) {
+        EXPECT_EQ(commandsOf[row.name], row.failure == capi::Failure::none ? 0 : 1) << row.name;
     }
 }
 
