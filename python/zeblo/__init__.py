@@ -17,8 +17,8 @@ Functions that act return True or False: on False the library has written
 its reason to the system log (and to standard error when ZEBLO_LOG_STDERR=1).
 Times are in seconds.
 
-The library is found through ZEBLO_LIBRARY (a path), beside this package, or
-on the system's library path. With ZEBLO_SIMULATE naming a desktop file, the
+The library is found through ZEBLO_LIBRARY (a path), beside this package (the
+wheel carries it), or on the system's library path. With ZEBLO_SIMULATE naming a desktop file, the
 simulated library is loaded instead and every call works on that simulated
 desktop (see the library's header, "The simulated library").
 """
@@ -30,8 +30,7 @@ import json
 from typing import Any, Dict, List, Optional, Sequence
 
 from ._native import LibraryNotFound, library, library_path
-
-__version__ = "0.1.0"
+from ._version import VERSION as __version__
 __all__ = [
     "ZebloError", "LibraryNotFound", "Modifier", "Flag", "Condition", "library_path",
     "app_menus", "menu_click", "menu_item_exists", "menu_item_enabled",

@@ -10,7 +10,9 @@ import threading
 from pathlib import Path
 from typing import List, Optional
 
-_LIB_NAMES = {"darwin": ["libZEBLOui.dylib"]}.get(sys.platform, ["libZEBLOui.so", "libZEBLOui.so.0.1"])
+from ._version import ABI
+
+_LIB_NAMES = {"darwin": ["libZEBLOui.dylib"]}.get(sys.platform, ["libZEBLOui.so", f"libZEBLOui.so.{ABI}"])
 _lock = threading.Lock()
 _lib: Optional[ctypes.CDLL] = None
 _path: Optional[str] = None
@@ -48,7 +50,8 @@ def find_library() -> str:
     is set, the simulated library (simulated/ beside the package, or
     zeblo/simulated/ in a library folder): never the real one, so that a test
     meant for the simulated desktop cannot drive the real desktop. Otherwise
-    the library beside the package, then the one the system's loader finds.
+    the library beside the package (a wheel carries it there), then the one
+    the system's loader finds.
     """
     explicit = os.environ.get("ZEBLO_LIBRARY")
     if explicit:
