@@ -10,11 +10,11 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include <nlohmann/json_fwd.hpp>
 
 #include "platform/platform.h"
 
@@ -76,6 +76,10 @@ private:
     // A copy of everything but the children.
     static MenuItem shallowCopy(const MenuItem& other);
 };
+
+// The snapshot of a menu bar: {"app": APP, "menus": [record...]},
+// pretty-printed.
+std::string encodeMenuBar(std::string_view appName, const std::vector<MenuItem>& menus);
 
 // Lets `json.get<MenuItem>()` decode.
 void from_json(const nlohmann::json& object, MenuItem& item);

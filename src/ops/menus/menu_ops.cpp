@@ -12,29 +12,6 @@ namespace zeblo {
 using platform::Element;
 using platform::Platform;
 
-namespace {
-
-// About the length of the pretty-printed snapshot of `menus`, so that the text
-// is allocated once instead of growing through repeated copies (which, for a
-// text of a megabyte, costs several times the writing itself).
-std::size_t estimatedTextSize(const std::vector<MenuItem>& menus) {
-    std::size_t total = 64;
-    std::vector<std::pair<const MenuItem*, std::size_t>> work;  // record, indentation of its members
-    for (const MenuItem& m : menus) work.emplace_back(&m, 6);
-    while (!work.empty()) {
-        const auto [item, indent] = work.back();
-        work.pop_back();
-        total += 8 * (indent + 16) + item->title.size() + item->cmdChar.value_or("").size();
-        for (const std::string& title : item->path) total += indent + 8 + title.size();
-        if (item->children) {
-            for (const MenuItem& child : *item->children) work.emplace_back(&child, indent + 4);
-        }
-    }
-    return total;
-}
-
-}  // namespace
-
 MenuOps::Target MenuOps::resolveApplication(Platform& p, const std::string& appName) {
     std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exact);
     if (!app) throw appName.empty() ? MenuError::noFrontmostApp() : MenuError::appNotFound(appName);
@@ -70,17 +47,7 @@ std::string MenuOps::getAppMenusJSON(const std::string& appName) {
     }
     target.menuBar = Element{};
 
-    json::Writer writer(json::Layout::pretty);
-    writer.reserve(estimatedTextSize(menus));
-    writer.beginObject();
-    writer.key("app");
-    writer.string(name);
-    writer.key("menus");
-    writer.beginArray();
-    for (const MenuItem& menu : menus) menu.encode(writer);
-    writer.endArray();
-    writer.endObject();
-    return writer.take();
+    return encodeMenuBar(name, menus);
 }
 
 Element MenuOps::findChildByTitle(const Element& element, const std::string& title) {
