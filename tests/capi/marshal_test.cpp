@@ -137,9 +137,17 @@ TEST(Errors, EveryKindAndCase) {
     EXPECT_TRUE(WindowError::windowUnanswered("x").unanswered());
     EXPECT_FALSE(WindowError::windowNotFound("x").unanswered());
 
+    for (const int number : {12, 1234}) {
+        const auto parsed = parseGenericDescription(genericDescription("Some.Type", number));
+        ASSERT_TRUE(parsed);
+        EXPECT_EQ(parsed->typeName, "Some.Type");
+        EXPECT_EQ(parsed->caseNumber, number);
+    }
     // Only the generic form is read back: not its start alone, not a log line.
-    for (const std::string& text : {generic + "AppError error .)", generic + "AppError error 1x.)", generic + " error 1.)",
-                                   "zeblo_x error: " + generic + "AppError error 1.)", std::string("Operation timed out")}) {
+    for (const std::string& text :
+         {generic + "AppError error .)", generic + "AppError error 1x.)", generic + " error 1.)",
+          generic + "AppError error 12345.)", "zeblo_x error: " + generic + "AppError error 1.)",
+          std::string("Operation timed out")}) {
         EXPECT_FALSE(parseGenericDescription(text)) << text;
     }
     const MessageError m("Keystroke", -1, "Invalid key character: !");

@@ -41,6 +41,8 @@ TEST(Unicode, CanonicalEquivalence) {
     // Matches respect cluster boundaries: a bare letter is not found inside
     // an accented one.
     EXPECT_FALSE(canonicallyContains("caf" + kComposedE, "cafe"));
+    EXPECT_FALSE(canonicallyContains("caf" + kDecomposedE, "cafe"));  // the bytes are there, the letter is not
+    EXPECT_TRUE(canonicallyContains("caf" + kDecomposedE + " noir", "noir"));
     EXPECT_FALSE(canonicallyContains("caf" + kComposedE, "\xcc\x81"));  // a mark alone is no cluster
     EXPECT_FALSE(canonicallyContains("anything", ""));
     EXPECT_FALSE(canonicallyContains("", ""));

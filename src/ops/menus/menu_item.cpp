@@ -65,25 +65,6 @@ MenuItem::~MenuItem() {
     }
 }
 
-bool operator==(const MenuItem& a, const MenuItem& b) {
-    std::vector<std::pair<const MenuItem*, const MenuItem*>> work{{&a, &b}};
-    while (!work.empty()) {
-        const auto [x, y] = work.back();
-        work.pop_back();
-        if (x->title != y->title || x->path != y->path || x->enabled != y->enabled ||
-            x->checked != y->checked || x->cmdChar != y->cmdChar || x->cmdModifiers != y->cmdModifiers ||
-            x->pid != y->pid || x->children.has_value() != y->children.has_value()) {
-            return false;
-        }
-        if (!x->children) continue;
-        if (x->children->size() != y->children->size()) return false;
-        for (std::size_t i = 0; i < x->children->size(); ++i) {
-            work.emplace_back(&(*x->children)[i], &(*y->children)[i]);
-        }
-    }
-    return true;
-}
-
 void MenuItem::encode(json::Writer& w) const {
     struct Frame {
         const std::vector<MenuItem>* items;

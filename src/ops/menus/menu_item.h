@@ -5,7 +5,7 @@
 //
 // Menu trees have no depth limit and the host may call us on a thread with a
 // small stack, so nothing here recurses on the machine stack in proportion to
-// the depth: building from elements, copying, comparing, writing, decoding and
+// the depth: building from elements, copying, writing, decoding and
 // destroying all walk the tree with explicit stacks.
 #pragma once
 
@@ -69,8 +69,6 @@ public:
     // missing or null; other keys are ignored. Throws the JSON reader's
     // exceptions (nlohmann::json::exception) on a mismatch.
     static MenuItem decode(const nlohmann::json& object);
-
-    friend bool operator==(const MenuItem& a, const MenuItem& b);
 
 private:
     // A copy of everything but the children.
