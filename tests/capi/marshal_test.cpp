@@ -1,3 +1,5 @@
+#include "capi/marshal.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -6,13 +8,14 @@
 #include <utility>
 #include <vector>
 
-#include "capi/marshal.h"
 #include "core/unicode.h"
 #include "ops/apps/app_error.h"
 #include "ops/keyboard/keystroke_error.h"
 #include "ops/menus/menu_error.h"
 #include "ops/windows/window_error.h"
 #include "platform/platform.h"
+#include "support/forwarding_platform.h"
+#include "zeblo/zeblo.h"
 
 namespace zeblo::capi {
 namespace {
@@ -176,6 +179,34 @@ TEST(Marshal, BooleanRunnerLogsLiterally) {
     EXPECT_EQ(linesOf([] { return runQuiet([] { return true; }); }), std::make_pair(true, Lines{}));
     EXPECT_EQ(linesOf([] { return runQuiet([]() -> bool { throw std::runtime_error("x"); }); }),
               std::make_pair(false, Lines{}));
+}
+
+// A desktop whose workspace runs out of memory: the exports that never
+// answer with an error object still answer "[]"; the others answer with the
+// error, or false and their line.
+TEST(Marshal, ExportsKeepTheirAnswersWhenMemoryRunsOut) {
+    struct OutOfMemory final : testing::ForwardingPlatform {
+        using ForwardingPlatform::ForwardingPlatform;
+        std::vector<platform::RunningApp> runningApplications() override { throw std::bad_alloc(); }
+        std::optional<platform::RunningApp> frontmostApplication() override { throw std::bad_alloc(); }
+    };
+    const auto desk = std::make_shared<sim::SimDesktop>();
+    platform::install(std::make_shared<OutOfMemory>(desk));
+    const auto text = [](const char* result) {
+        const std::string out = result != nullptr ? result : "<null>";
+        zeblo_free_string(result);
+        return out;
+    };
+    EXPECT_EQ(text(zeblo_get_running_apps()), "[]");
+    EXPECT_EQ(text(zeblo_get_window_titles("Mail")), "[]");
+    EXPECT_EQ(text(zeblo_get_window_buttons("Mail", "")), "[]");
+    EXPECT_TRUE(text(zeblo_get_window_text("Mail", "")).starts_with("{\"error\": \""));
+    EXPECT_TRUE(text(zeblo_get_frontmost_info()).starts_with("{\"error\": \""));
+    EXPECT_FALSE(zeblo_window_exists("Mail", ""));
+    EXPECT_FALSE(zeblo_click_button("Mail", "", "OK"));
+    EXPECT_TRUE(desk->logLines().back().starts_with("zeblo_click_button error: ")) << desk->logLines().back();
+    EXPECT_EQ(desk->liveHandles(), 0);
+    platform::install(nullptr);
 }
 
 }  // namespace

@@ -13,6 +13,13 @@ TEST(Unicode, LowerCasingIsFullAndLocaleFree) {
     EXPECT_EQ(toLower("\xe2\x84\xaa"), "k");                  // Kelvin sign
     EXPECT_EQ(toLower("\xc4\xb0"), "i\xcc\x87");              // İ: full mapping, two scalars
     EXPECT_EQ(toLower("\xce\xa3\xce\x91"), "\xcf\x83\xce\xb1");  // ΣΑ
+    // A text that grows by more than the first guess of its length.
+    std::string dotted, lowered;
+    for (int i = 0; i < 20; ++i) {
+        dotted += "\xc4\xb0";
+        lowered += "i\xcc\x87";
+    }
+    EXPECT_EQ(toLower(dotted), lowered);
 }
 
 TEST(Unicode, GraphemeClusters) {

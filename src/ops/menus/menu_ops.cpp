@@ -64,7 +64,7 @@ Element MenuOps::findChildByTitle(const Element& element, const std::string& tit
     };
 
     auto children = platform::asElementArray(p.copyAttributeValue(element, ax::kChildrenAttribute));
-    if (!children.ok() || children.value.empty()) return Element{};
+    if (!children.ok()) return Element{};
     if (children.value.size() == 1) {
         const Element& only = children.value.front();
         const std::string onlyTitle = menus::textValue(p.copyAttributeValue(only, ax::kTitleAttribute)).value_or("");

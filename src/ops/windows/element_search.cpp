@@ -29,7 +29,7 @@ std::vector<Element> childrenOf(const Element& element) {
     auto read = platform::asElementArray(platform::current().copyAttributeValue(element, ax::kChildrenAttribute));
     // An unreadable, absent or wrongly typed list, and a list too long to
     // enter, all count as no children.
-    if (!read.ok() || read.value.empty() || read.value.size() > WindowOps::kMaxChildren) return {};
+    if (!read.ok() || read.value.size() > WindowOps::kMaxChildren) return {};
     return std::move(read.value);
 }
 

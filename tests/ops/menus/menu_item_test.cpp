@@ -75,5 +75,27 @@ TEST_F(MenuItemTest, DecodingDefaultsAndIgnoredKeys) {
     EXPECT_EQ(encodePretty(item), "{\n  \"title\" : \"T\",\n  \"path\" : [],\n  \"enabled\" : true,\n  \"checked\" : false\n}");
 }
 
+// What decoding refuses, with the exceptions the JSON reader itself gives for
+// the same mismatches.
+TEST_F(MenuItemTest, DecodingRefusesWhatTheFormDoesNot) {
+    const std::string members = R"J("title": "T", "path": [], "enabled": true, "checked": false)J";
+    const std::pair<std::string, int> refused[] = {
+        {R"J({"path": [], "enabled": true, "checked": false})J", 403},  // a required key missing
+        {"{" + members + R"J(, "cmdModifiers": "x"})J", 302},
+        {"{" + members + R"J(, "cmdModifiers": 1.5})J", 302},
+        {"{" + members + R"J(, "cmdModifiers": 18446744073709551615})J", 406},
+        {"{" + members + R"J(, "children": 5})J", 302},
+        {"{" + members + R"J(, "children": [{"title": 1}]})J", 302},
+    };
+    for (const auto& [text, id] : refused) {
+        try {
+            MenuItem::decode(json::parse(text));
+            ADD_FAILURE() << "decoded " << text;
+        } catch (const json::exception& e) {
+            EXPECT_EQ(e.id, id) << text << ": " << e.what();
+        }
+    }
+}
+
 }  // namespace
 }  // namespace zeblo::testing
