@@ -58,12 +58,62 @@ std::optional<std::string> textContents(AtspiAccessible* object) {
     return takeText(contents.release());
 }
 
+// Actions are asked of the application itself: libatspi decides whether an
+// element has actions from the interfaces it noted when it first met the
+// element, which can be wrong for one made a moment before (a web page's).
+// The names are the actions' own (GetName), not the localized ones.
+namespace {
+
+Message actionCall(const char* bus, AtspiAccessible* object, const char* member, std::optional<dbus_int32_t> index) {
+    Message call = methodCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Action", member);
+    if (call && index && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &*index, DBUS_TYPE_INVALID)) {
+        call.reset();
+    }
+    return call;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> actionNamesOf(AtspiAccessible* object) {
+    const char* bus = busOf(object);
+    if (bus == nullptr) return std::nullopt;
+    DBusConnection* connection = connectionOf(object);
+    std::vector<Message> count;
+    count.push_back(propertyCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Action", "NActions"));
+    const Message counted = std::move(callAll(connection, count).front());
+    if (isErrorAnswer(counted)) return std::vector<std::string>{};  // no Action interface
+    dbus_int32_t n = 0;
+    if (!int32Answer(counted, &n)) return std::nullopt;
+    std::vector<Message> calls;
+    for (dbus_int32_t i = 0; i < n && i < 64; ++i) calls.push_back(actionCall(bus, object, "GetName", i));
+    std::vector<std::string> names;
+    for (const Message& answer : callAll(connection, calls)) {
+        const char* name = stringAnswer(answer);
+        if (name == nullptr) return std::nullopt;
+        names.emplace_back(name);
+    }
+    return names;
+}
+
+ActionRun runAction(AtspiAccessible* object, int index) {
+    const char* bus = busOf(object);
+    if (bus == nullptr) return ActionRun::refused;
+    std::vector<Message> call;
+    call.push_back(actionCall(bus, object, "DoAction", index));
+    if (!call.front()) return ActionRun::refused;
+    const Message answer = std::move(callAll(connectionOf(object), call).front());
+    if (!answer) return ActionRun::unanswered;
+    bool done = false;
+    return booleanAnswer(answer, &done) && done ? ActionRun::done : ActionRun::refused;
+}
+
 std::string firstActionOf(AtspiAccessible* object) {
-    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
-    if (!action) return {};
-    Error error;
-    std::string name = takeText(atspi_action_get_action_name(action.get(), 0, out(error)));
-    return error ? std::string() : name;
+    const char* bus = busOf(object);
+    if (bus == nullptr) return {};
+    std::vector<Message> call;
+    call.push_back(actionCall(bus, object, "GetName", 0));
+    const char* name = stringAnswer(callAll(connectionOf(object), call).front());
+    return name != nullptr ? name : "";
 }
 
 std::string rowNameOf(AtspiAccessible* cell) {
@@ -190,15 +240,18 @@ std::optional<std::vector<AccessibleRef>> windowsOf(AtspiAccessible* app, Sight 
 }
 
 std::optional<std::uint64_t> statesOf(AtspiAccessible* object) {
-    Error error;
-    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
-    if (!set) return std::nullopt;
-    const Array states(atspi_state_set_get_states(set.get()));
-    if (!states) return std::nullopt;
+    // Asked of the application itself: libatspi may answer from a state set
+    // it kept since the element was made (a web page's button before the
+    // page was laid out).
+    const char* bus = busOf(object);
+    if (bus == nullptr) return std::nullopt;
+    std::vector<Message> call;
+    call.push_back(methodCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Accessible", "GetState"));
+    const std::optional<std::vector<std::uint32_t>> words = uint32sAnswer(callAll(connectionOf(object), call).front());
+    if (!words) return std::nullopt;
     std::uint64_t bits = 0;
-    for (guint i = 0; i < states->len; ++i) {
-        const auto state = static_cast<unsigned>(g_array_index(states.get(), AtspiStateType, i));
-        if (state < 64) bits |= std::uint64_t{1} << state;
+    for (std::size_t word = 0; word < words->size() && word < 2; ++word) {
+        bits |= std::uint64_t{(*words)[word]} << (32 * word);
     }
     return bits;
 }
@@ -231,9 +284,8 @@ std::string takeText(char* text) {
 }
 
 bool hasState(AtspiAccessible* object, AtspiStateType state) {
-    const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(object));
-    if (!set) return false;
-    return atspi_state_set_contains(set.get(), state) != 0;
+    const std::optional<std::uint64_t> states = statesOf(object);
+    return states && ((*states >> state) & 1) != 0;
 }
 
 std::vector<AccessibleRef> childrenOf(AtspiAccessible* object, bool* answered) {

@@ -28,6 +28,15 @@ AtspiRole roleOfObject(AtspiAccessible* object, bool* answered = nullptr);
 std::string nameOf(AtspiAccessible* object, bool* ok = nullptr);
 // The whole text of an object with the Text interface.
 std::optional<std::string> textContents(AtspiAccessible* object);
+// The names of `object`'s actions, asked of its application (empty when it
+// has none); nothing when it does not answer within the reply limit.
+std::optional<std::vector<std::string>> actionNamesOf(AtspiAccessible* object);
+// How asking `object` to run its action `index` came out: done, refused (an
+// error or a false answer), or unanswered within the reply limit (delivered,
+// and perhaps still running: an action that opens a modal dialog answers
+// when the dialog closes).
+enum class ActionRun : std::uint8_t { done, refused, unanswered };
+ActionRun runAction(AtspiAccessible* object, int index);
 // The first action name of `object` ("" when it has no action).
 std::string firstActionOf(AtspiAccessible* object);
 // The first non-empty name among the other cells of `cell`'s table row ("" when

@@ -163,6 +163,28 @@ std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
     return out;
 }
 
+std::optional<std::vector<std::string>> firstOfTriplesAnswer(const Message& answer) {
+    std::vector<std::string> out;
+    const bool read = eachElement(answer, "a(sss)", [&](DBusMessageIter* element) {
+        DBusMessageIter field;
+        dbus_message_iter_recurse(element, &field);
+        out.emplace_back(basicString(&field));
+    });
+    if (!read) return std::nullopt;
+    return out;
+}
+
+bool booleanAnswer(const Message& answer, bool* value) {
+    dbus_bool_t b = FALSE;
+    if (!firstArgument(answer, DBUS_TYPE_BOOLEAN, &b)) return false;
+    *value = b != FALSE;
+    return true;
+}
+
+bool isErrorAnswer(const Message& answer) {
+    return answer && dbus_message_get_type(answer.get()) == DBUS_MESSAGE_TYPE_ERROR;
+}
+
 std::optional<std::array<std::int32_t, 4>> rectangleAnswer(const Message& answer) {
     if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return std::nullopt;
     const char* signature = dbus_message_get_signature(answer.get());

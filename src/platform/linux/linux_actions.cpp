@@ -25,23 +25,6 @@ bool isPressName(const std::string& name) {
     return false;
 }
 
-std::vector<std::string> actionNames(AtspiAccessible* object, AXError& code) {
-    std::vector<std::string> names;
-    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
-    if (!action) {
-        code = kAXErrorSuccess;
-        return names;
-    }
-    Error error;
-    const int count = atspi_action_get_n_actions(action.get(), out(error));
-    code = error == nullptr ? kAXErrorSuccess : kAXErrorCannotComplete;
-    for (int i = 0; error == nullptr && i < count; ++i) {
-        names.push_back(takeText(atspi_action_get_action_name(action.get(), i, out(error))));
-    }
-    if (error) code = kAXErrorCannotComplete;
-    return names;
-}
-
 // What a call that acts gave: kAXErrorCannotComplete when it failed because
 // its reply did not come within the reply limit (see press()).
 AXError outcome(std::chrono::steady_clock::time_point start, bool failed, gboolean done) {
@@ -57,29 +40,38 @@ AXError outcome(std::chrono::steady_clock::time_point start, bool failed, gboole
 // gives kAXErrorCannotComplete, as on macOS, which callers count as done;
 // every other failure gives kAXErrorFailure.
 AXError press(AtspiAccessible* object) {
-    if (!hasState(object, ATSPI_STATE_SENSITIVE)) return kAXErrorFailure;
-    AXError code = kAXErrorSuccess;
-    const std::vector<std::string> names = actionNames(object, code);
-    if (code != kAXErrorSuccess) return kAXErrorFailure;
+    const std::optional<std::uint64_t> states = statesOf(object);
+    if (!states || ((*states >> ATSPI_STATE_SENSITIVE) & 1) == 0) return kAXErrorFailure;
+    std::optional<std::vector<std::string>> names = actionNamesOf(object);
+    // Firefox counts an element's actions only once asked for them: its
+    // first answer for a button can be none. An element a user can focus is
+    // asked again, for a moment.
+    if ((*states >> ATSPI_STATE_FOCUSABLE) & 1) {
+        for (const int pause : {10, 20, 40}) {
+            if (!names || !names->empty()) break;
+            g_usleep(pause * 1000);
+            names = actionNamesOf(object);
+        }
+    }
+    if (!names) return kAXErrorFailure;
     int index = -1;
     for (const char* wanted : kPressActions) {
-        for (std::size_t i = 0; index < 0 && i < names.size(); ++i) {
-            if (g_ascii_strcasecmp(names[i].c_str(), wanted) == 0) index = static_cast<int>(i);
+        for (std::size_t i = 0; index < 0 && i < names->size(); ++i) {
+            if (g_ascii_strcasecmp((*names)[i].c_str(), wanted) == 0) index = static_cast<int>(i);
         }
     }
     if (index < 0) return kAXErrorActionUnsupported;
-    const Ref<AtspiAction> action = Ref<AtspiAction>::adopt(atspi_accessible_get_action_iface(object));
-    if (!action) return kAXErrorActionUnsupported;
-    Error error;
-    const auto start = std::chrono::steady_clock::now();
-    const gboolean done = atspi_action_do_action(action.get(), index, out(error));
-    return outcome(start, error != nullptr, done);
+    switch (runAction(object, index)) {
+        case ActionRun::done: return kAXErrorSuccess;
+        case ActionRun::unanswered: return kAXErrorCannotComplete;
+        case ActionRun::refused: break;
+    }
+    return kAXErrorFailure;
 }
 
 // Whether `object` has a press-like action.
 bool hasPressAction(AtspiAccessible* object) {
-    AXError code = kAXErrorSuccess;
-    for (const std::string& name : actionNames(object, code)) {
+    for (const std::string& name : actionNamesOf(object).value_or(std::vector<std::string>{})) {
         if (isPressName(name)) return true;
     }
     return false;
@@ -210,13 +202,12 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
     if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{ax::kPressAction}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
-    AXError code = kAXErrorSuccess;
-    std::vector<std::string> names = actionNames(n->object.get(), code);
-    if (code != kAXErrorSuccess) return {code, std::nullopt};
+    std::optional<std::vector<std::string>> names = actionNamesOf(n->object.get());
+    if (!names) return {kAXErrorCannotComplete, std::nullopt};
     // Press-like actions are listed under the name the library presses.
     std::vector<std::string> out;
     bool pressListed = false;
-    for (std::string& name : names) {
+    for (std::string& name : *names) {
         if (isPressName(name)) {
             if (!pressListed) out.emplace_back(ax::kPressAction);
             pressListed = true;

@@ -147,13 +147,7 @@ std::string axRole(Node& node) {
     if (role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY) {
         // GTK marks its entries single-line and its text views multi-line;
         // Qt marks only the multi-line ones.
-        std::uint64_t states = item != nullptr ? item->states : 0;
-        if (item == nullptr) {
-            const Ref<AtspiStateSet> set = Ref<AtspiStateSet>::adopt(atspi_accessible_get_state_set(node.object.get()));
-            for (const AtspiStateType s : {ATSPI_STATE_SINGLE_LINE, ATSPI_STATE_MULTI_LINE}) {
-                if (set && atspi_state_set_contains(set.get(), s)) states |= std::uint64_t{1} << s;
-            }
-        }
+        const std::uint64_t states = item != nullptr ? item->states : statesOf(node.object.get()).value_or(0);
         const bool multiLine =
             ((states >> ATSPI_STATE_MULTI_LINE) & 1) != 0 && ((states >> ATSPI_STATE_SINGLE_LINE) & 1) == 0;
         return multiLine ? ax::kTextAreaRole : ax::kTextFieldRole;
