@@ -19,9 +19,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "core/json_writer.h"
 #include "ops/menus/menu_item.h"
 #include "ops/menus/menu_ops.h"
+#include "platform/ax_names.h"
 #include "platform/platform.h"
 #include "platform/sim/sim_desktop.h"
 #include "zeblo/zeblo.h"
@@ -163,7 +163,7 @@ std::shared_ptr<sim::SimDesktop> benchDesktop() {
         menus.push_back(menu);
     }
     bar->setAttr("AXChildren", std::move(menus));
-    d->node("app")->setAttr("AXMenuBar", bar);
+    d->node("app")->setAttr(ax::kMenuBarAttribute, bar);
     return d;
 }
 
@@ -184,25 +184,11 @@ void perRecord(benchmark::State& state) {
 
 std::vector<MenuItem> readRecords() {
     platform::Platform& p = platform::current();
-    auto bar = platform::asElement(p.copyAttributeValue(p.createApplicationElement(7), "AXMenuBar"));
-    auto items = platform::asElementArray(p.copyAttributeValue(bar.value, "AXChildren"));
+    auto bar = platform::asElement(p.copyAttributeValue(p.createApplicationElement(7), ax::kMenuBarAttribute));
+    auto items = platform::asElementArray(p.copyAttributeValue(bar.value, ax::kChildrenAttribute));
     std::vector<MenuItem> menus;
     for (Element& e : items.value) menus.emplace_back(e, 7, std::vector<std::string>{});
     return menus;
-}
-
-std::string writeRecords(const std::vector<MenuItem>& menus) {
-    json::Writer w(json::Layout::pretty);
-    w.reserve(1 << 20);  // as the snapshot does, from its estimate of the length
-    w.beginObject();
-    w.key("app");
-    w.string("Bench");
-    w.key("menus");
-    w.beginArray();
-    for (const MenuItem& m : menus) m.encode(w);
-    w.endArray();
-    w.endObject();
-    return w.take();
 }
 
 void BM_MenuSnapshot(benchmark::State& state) {
@@ -231,13 +217,13 @@ void BM_MenuReadRecords(benchmark::State& state) {
 void BM_MenuWritePretty(benchmark::State& state) {
     counting();
     const std::vector<MenuItem> menus = readRecords();
-    for (auto _ : state) benchmark::DoNotOptimize(writeRecords(menus));
+    for (auto _ : state) benchmark::DoNotOptimize(encodeMenuBar("Bench", menus));
     perRecord(state);
 }
 
 void BM_NlohmannDump2(benchmark::State& state) {
     counting();
-    const nlohmann::ordered_json tree = nlohmann::ordered_json::parse(writeRecords(readRecords()));
+    const nlohmann::ordered_json tree = nlohmann::ordered_json::parse(encodeMenuBar("Bench", readRecords()));
     for (auto _ : state) benchmark::DoNotOptimize(tree.dump(2));
     perRecord(state);
 }
@@ -246,7 +232,7 @@ void BM_NlohmannDump2(benchmark::State& state) {
 void BM_SimAttributeRead(benchmark::State& state) {
     platform::Platform& p = counting();
     const Element app = p.createApplicationElement(7);
-    for (auto _ : state) benchmark::DoNotOptimize(p.copyAttributeValue(app, "AXMenuBar"));
+    for (auto _ : state) benchmark::DoNotOptimize(p.copyAttributeValue(app, ax::kMenuBarAttribute));
 }
 
 BENCHMARK(BM_MenuSnapshot)->Unit(benchmark::kMillisecond);

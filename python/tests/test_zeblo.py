@@ -104,11 +104,13 @@ def test_a_desktop_file_that_cannot_be_read_gives_an_empty_desktop(tmp_path):
 
 
 def test_the_simulated_library_is_required_when_simulating(tmp_path):
-    # With ZEBLO_SIMULATE set and no simulated library to be found, loading
-    # fails rather than falling back to the real desktop.
+    # With ZEBLO_SIMULATE set and no simulated library to be found (none on
+    # the system, none beside the package), loading fails rather than falling
+    # back to the real desktop.
     env = {k: v for k, v in os.environ.items() if k not in ("ZEBLO_LIBRARY", "LD_LIBRARY_PATH")}
     code = ("import zeblo, zeblo._native as n\n"
             "n._system_folders = lambda: []\n"
+            "n.__file__ = '/nowhere/_native.py'\n"  # nothing beside the package either
             "try:\n    zeblo.running_apps()\nexcept zeblo.LibraryNotFound as e:\n    print('refused:', e)\n")
     child = subprocess.run([sys.executable, "-c", code], env=env, capture_output=True, text=True, timeout=60)
     assert "refused: ZEBLO_SIMULATE is set" in child.stdout, child.stdout + child.stderr
@@ -133,3 +135,24 @@ def test_elements_by_reference_and_the_last_failure():
     why = zeblo.last_failure()
     assert (why.function, why.kind, why.case) == ("zeblo_click_button", "window", "buttonNotFound")
     assert zeblo.window_exists("Mail") is True and zeblo.last_failure() is None
+def test_an_installed_package_carries_its_libraries():
+    # What pip installs works on its own: the simulated library (and the real
+    # one) inside the package, the metadata of pyproject.toml, the library's
+    # version.
+    from conftest import FROM_SOURCE, REPO
+    if FROM_SOURCE or "ZEBLO_LIBRARY" in os.environ:
+        pytest.skip("the package is not an installed one")
+    import importlib.metadata
+    import re
+    package = os.path.dirname(zeblo.__file__)
+    # The superset library first: it holds the 25 functions too.
+    assert zeblo.library_path().startswith(os.path.join(package, "simulated", "libZEBLOuiPlus"))
+    native = sorted(n for n in os.listdir(package) if n.startswith("libZEBLOui"))
+    assert [n.split(".")[0] for n in native] == ["libZEBLOui", "libZEBLOuiPlus"]
+    header = (REPO / "include" / "zeblo" / "zeblo.h").read_text(encoding="utf-8")
+    assert zeblo.__version__ == re.search(r'ZEBLO_VERSION_STRING "([^"]+)"', header).group(1)
+    metadata = importlib.metadata.metadata("zeblo")
+    assert metadata["Version"] == zeblo.__version__
+    assert metadata.get_all("Classifier") == ["Typing :: Typed", "Operating System :: POSIX :: Linux",
+                                              "Operating System :: MacOS"]
+    assert metadata["Requires-Python"] == ">=3.8"

@@ -22,9 +22,9 @@ Elements (zeblo.elements): zeblo.tree() and zeblo.find() give Element
 objects with references and methods (press(), set_value(), focus(),
 check(), open_menu()...); zeblo.wait_for() and zeblo.press_keys("ctrl+s").
 
-The library is found through ZEBLO_LIBRARY (a path), beside this package, or
-on the system's library path: libZEBLOuiPlus (the 25 functions and the
-element interface) where it is, else libZEBLOui. With ZEBLO_SIMULATE naming a desktop file, the
+The library is found through ZEBLO_LIBRARY (a path), beside this package (the
+wheel carries it), or on the system's library path: libZEBLOuiPlus (the 25
+functions and the element interface) where it is, else libZEBLOui. With ZEBLO_SIMULATE naming a desktop file, the
 simulated library is loaded instead and every call works on that simulated
 desktop (see the library's header, "The simulated library").
 """
@@ -39,7 +39,7 @@ from ._native import LibraryNotFound, library, library_path
 from .elements import (Element, ElementError, Failure, StaleElement, find, last_failure, press_keys, tree,
                        wait_for)
 
-__version__ = "0.1.0"
+from ._version import VERSION as __version__
 __all__ = [
     "ZebloError", "LibraryNotFound", "Modifier", "Flag", "Condition", "library_path",
     "app_menus", "menu_click", "menu_item_exists", "menu_item_enabled",

@@ -10,10 +10,12 @@ import threading
 from pathlib import Path
 from typing import List, Optional
 
+from ._version import ABI
+
 # The superset library (the 25 functions and the element interface) first,
 # else the plain one, whose element functions are then missing.
 _LIB_NAMES = {"darwin": ["libZEBLOuiPlus.dylib", "libZEBLOui.dylib"]}.get(
-    sys.platform, ["libZEBLOuiPlus.so", "libZEBLOuiPlus.so.0.1", "libZEBLOui.so", "libZEBLOui.so.0.1"])
+    sys.platform, ["libZEBLOuiPlus.so", f"libZEBLOuiPlus.so.{ABI}", "libZEBLOui.so", f"libZEBLOui.so.{ABI}"])
 _lock = threading.Lock()
 _lib: Optional[ctypes.CDLL] = None
 _path: Optional[str] = None
@@ -51,7 +53,8 @@ def find_library() -> str:
     is set, the simulated library (simulated/ beside the package, or
     zeblo/simulated/ in a library folder): never the real one, so that a test
     meant for the simulated desktop cannot drive the real desktop. Otherwise
-    the library beside the package, then the one the system's loader finds.
+    the library beside the package (a wheel carries it there), then the one
+    the system's loader finds.
     """
     explicit = os.environ.get("ZEBLO_LIBRARY")
     if explicit:

@@ -4,12 +4,36 @@
 
 namespace zeblo {
 
+namespace {
+
+constexpr std::string_view kGenericStart = "The operation couldn\u2019t be completed. (ZEBLOui.";
+constexpr std::string_view kGenericCase = " error ";
+constexpr std::string_view kGenericEnd = ".)";
+
+}  // namespace
+
 std::string genericDescription(std::string_view typeName, int caseNumber) {
-    std::string out = "The operation couldn\u2019t be completed. (ZEBLOui.";
+    std::string out(kGenericStart);
     out += typeName;
-    out += " error ";
+    out += kGenericCase;
     out += std::to_string(caseNumber);
-    out += ".)";
+    out += kGenericEnd;
+    return out;
+}
+
+std::optional<GenericCase> parseGenericDescription(std::string_view description) {
+    if (!description.starts_with(kGenericStart) || !description.ends_with(kGenericEnd)) return std::nullopt;
+    description.remove_prefix(kGenericStart.size());
+    description.remove_suffix(kGenericEnd.size());
+    const std::size_t split = description.rfind(kGenericCase);
+    if (split == std::string_view::npos || split == 0) return std::nullopt;
+    const std::string_view digits = description.substr(split + kGenericCase.size());
+    GenericCase out{std::string(description.substr(0, split)), 0};
+    if (digits.empty() || digits.size() > 4) return std::nullopt;
+    for (const char c : digits) {
+        if (c < '0' || c > '9') return std::nullopt;
+        out.caseNumber = out.caseNumber * 10 + (c - '0');
+    }
     return out;
 }
 
@@ -21,10 +45,11 @@ std::string caseWithPayload(std::string_view caseName, std::string_view payload)
     return out;
 }
 
-std::string TypedError::description() const { return genericDescription(typeName_, caseNumber_); }
+std::string TypedError::description() const { return genericDescription(kind_->typeName, caseNumber_); }
 
 std::string TypedError::debugText() const {
-    return hasPayload_ ? caseWithPayload(caseName_, payload_) : std::string(caseName_);
+    const std::string_view name = kind_->cases[static_cast<std::size_t>(caseNumber_)].name;
+    return hasPayload_ ? caseWithPayload(name, payload_) : std::string(name);
 }
 
 std::string MessageError::debugText() const {

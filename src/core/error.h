@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,31 +23,56 @@ public:
     const char* what() const noexcept override { return "ZEBLOui error"; }
 };
 
+// One case of a typed error kind: its name, as diagnostics write it
+// (`appNotFound`), and what it means, for a reader who has only the case's
+// number.
+struct ErrorCase {
+    std::string_view name;
+    std::string_view meaning;
+};
+
+// A typed error kind: the type's name and its cases in declaration order (a
+// case's number is its index). Each kind's table lies beside its class.
+struct ErrorKind {
+    std::string_view typeName;
+    std::span<const ErrorCase> cases;
+};
+
 // The description the platform gives a typed error that has no texts of its
 // own, e.g. "The operation couldn’t be completed. (ZEBLOui.AppError error 1.)".
 std::string genericDescription(std::string_view typeName, int caseNumber);
 
-// An error of a typed kind without texts of its own: its description is the
-// generic one naming the type and the case number, and its default rendering
-// is the case name with its payload, if the case carries one.
+// The type and case a generic description names; nothing for any other text
+// (a description of an error with texts of its own, a log line's prefix).
+struct GenericCase {
+    std::string typeName;
+    int caseNumber = 0;
+};
+std::optional<GenericCase> parseGenericDescription(std::string_view description);
+
+// An error of a typed kind: a case of its kind, with a string payload or
+// none. Its description is the generic one naming the type and the case
+// number unless the kind has texts of its own; its default rendering is the
+// case name with its payload, if the case carries one.
 class TypedError : public Error {
 public:
     std::string description() const override;
     std::string debugText() const override;
 
+    const ErrorKind& errorKind() const noexcept { return *kind_; }
+    int caseNumber() const noexcept { return caseNumber_; }
+
 protected:
-    TypedError(const char* typeName, int caseNumber, const char* caseName)
-        : typeName_(typeName), caseName_(caseName), caseNumber_(caseNumber) {}
-    TypedError(const char* typeName, int caseNumber, const char* caseName, std::string payload)
-        : typeName_(typeName), caseName_(caseName), caseNumber_(caseNumber), payload_(std::move(payload)),
-          hasPayload_(true) {}
+    TypedError(const ErrorKind& kind, int caseNumber) : kind_(&kind), caseNumber_(caseNumber) {}
+    TypedError(const ErrorKind& kind, int caseNumber, std::string payload)
+        : kind_(&kind), caseNumber_(caseNumber), payload_(std::move(payload)), hasPayload_(true) {}
 
     // The case's string payload; empty for a case that carries none.
     const std::string& payload() const noexcept { return payload_; }
+    bool hasPayload() const noexcept { return hasPayload_; }
 
 private:
-    const char* typeName_;
-    const char* caseName_;
+    const ErrorKind* kind_;
     int caseNumber_;
     std::string payload_;
     bool hasPayload_ = false;

@@ -57,7 +57,7 @@ std::u16string transformed(std::u16string_view in, Fill fill) {
     for (int attempt = 0; attempt < 2; ++attempt) {
         UErrorCode status = U_ZERO_ERROR;
         const int32_t needed = fill(out.data(), length32(out.size()), &status);
-        if (status == U_BUFFER_OVERFLOW_ERROR && needed > 0) {
+        if (status == U_BUFFER_OVERFLOW_ERROR) {  // `needed` is then the length it takes
             out.assign(static_cast<std::size_t>(needed), u'\0');
             continue;
         }
@@ -209,7 +209,6 @@ std::string toLower(std::string_view s) {
 
 std::vector<std::string> graphemes(std::string_view s) {
     std::vector<std::string> out;
-    if (s.empty()) return out;
     const std::u16string u = fromUtf8(s);
     const std::u16string_view view(u);
     Clusters(view).each([&](int32_t start, int32_t end) { out.push_back(toUtf8(view.substr(start, end - start))); });
@@ -256,14 +255,15 @@ bool canonicallyContains(std::string_view haystack, std::string_view needle) {
     // combining marks. ICU's search also keeps surrogate pairs whole.
     const auto hLength = length32(h.size());
     const auto nLength = length32(n.size());
-    for (int32_t from = 0; from < hLength;) {
+    // Each match is tried in turn; the search ends when none is left (past
+    // the last one the text searched is empty).
+    for (int32_t from = 0;;) {
         const UChar* found = u_strFindFirst(h.data() + from, hLength - from, n.data(), nLength);
         if (found == nullptr) return false;
         const auto at = static_cast<int32_t>(found - h.data());
         if (clusters.isBoundary(at) && clusters.isBoundary(at + nLength)) return true;
         from = at + 1;
     }
-    return false;
 }
 
 bool looseMatch(std::string_view candidate, std::string_view wanted) {

@@ -1,6 +1,7 @@
 #include "ops/lookup.h"
 
 #include "core/unicode.h"
+#include "platform/ax_names.h"
 
 namespace zeblo::lookup {
 
@@ -49,9 +50,9 @@ std::optional<FrontmostInfo> frontmostInfo() {
     FrontmostInfo info;
     info.appName = app->localizedName.value_or(std::string());
     const platform::Element element = p.createApplicationElement(app->pid);
-    auto window = platform::asElement(p.copyAttributeValue(element, "AXFocusedWindow"));
+    auto window = platform::asElement(p.copyAttributeValue(element, ax::kFocusedWindowAttribute));
     if (window.ok() && window.value) {
-        auto title = platform::asString(p.copyAttributeValue(window.value, "AXTitle"));
+        auto title = platform::asString(p.copyAttributeValue(window.value, ax::kTitleAttribute));
         if (title.ok()) info.windowTitle = std::move(title.value);
     }
     return info;
@@ -60,7 +61,7 @@ std::optional<FrontmostInfo> frontmostInfo() {
 FocusedElement focusedElement() {
     platform::Platform& p = platform::current();
     const platform::Element systemWide = p.createSystemWideElement();
-    platform::AttributeRead read = p.copyAttributeValue(systemWide, "AXFocusedUIElement");
+    platform::AttributeRead read = p.copyAttributeValue(systemWide, ax::kFocusedUIElementAttribute);
     FocusedElement out;
     out.code = read.code;
     platform::Read<platform::Element> element = platform::asElement(std::move(read));

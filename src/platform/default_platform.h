@@ -1,6 +1,7 @@
 // The machine's default backend, used until another one is installed. Each
 // system provides its own factory: the real desktop where the library has a
-// backend for it, otherwise an empty simulated desktop.
+// backend for it and the desktop can be reached, otherwise no desktop
+// (default/no_desktop.h).
 #pragma once
 
 #include <memory>

@@ -1,8 +1,24 @@
 // The platform layer: every operation the library performs on the desktop
 // (accessibility elements, keyboard events, the workspace, the pasteboard,
 // sleeping, the clock and the log) goes through the `Platform` interface
-// declared here. Backends live beside this file: `sim/` (an in-memory desktop
-// used by tests and the command-line tool) and `macos/` (the real one).
+// declared here; the names it reads and performs are in ax_names.h. The
+// operations see only the files beside this one. Backends live in folders
+// of their own and never include one another:
+// - `linux/`: the real desktop on Linux. Elements through AT-SPI2 on the
+//   accessibility bus; keys, the clipboard and windows through the session's
+//   window system (session.h): X11 (XTest, Xlib) or a Wayland compositor's
+//   own interfaces (wlroots' virtual keyboard and data control, mutter's
+//   remote desktop, sway's IPC). Launches and the clipboard holder go
+//   through the helper process (detach.h).
+// - `macos/`: the real desktop on macOS (ApplicationServices, CoreGraphics,
+//   AppKit).
+// - `sim/`: a simulated desktop in memory, built in code or read from a
+//   desktop file, with a virtual clock and a trace; for the tests, the
+//   command-line tool and the simulated library. It is an archive of its
+//   own, which the production library does not link.
+// - `default/`: the choice of the default backend (default_platform.cpp),
+//   the backend when no desktop can be reached (no_desktop.h), and the
+//   simulated library's default (simulated_library.cpp).
 //
 // Ownership follows the Core Foundation rule: whatever a Copy or Create
 // operation hands back is owned by the caller. Here that ownership is held by

@@ -1,6 +1,13 @@
 // The zeblo tool: every command word reaches its export with its arguments
 // read as documented, the results are printed with their exit codes, usage
 // errors exit with 2, and the trace ends with the closing record.
+#include "cli.h"
+
+#include <map>
+#include <set>
+
+#include "capi/export_table.h"
+#include "capi/plus/plus_export_table.h"
 #include "support/sim_fixture.h"
 
 namespace zeblo::testing {
@@ -56,6 +63,36 @@ TEST(Cli, EveryCommandOnTheExampleDesktop) {
         EXPECT_EQ(run.exitCode, row.exitCode) << row.args;
         EXPECT_NE(run.out.find(row.expected), std::string::npos) << row.args << "\n" << run.out;
         EXPECT_NE(run.out.find("\"liveHandles\":0"), std::string::npos) << row.args;
+    }
+}
+
+// A command for each export of either table but the two that only serve a
+// host (zeblo_free_string, zeblo_last_failure), whose words give each of the
+// export's parameters (a query's several fields).
+TEST(Cli, CommandsFollowTheExportTables) {
+    std::map<std::string_view, int> commandsOf;
+    for (const cli::Command& command : cli::commands()) {
+        const capi::Export* row = capi::plus::findAnyExport(command.exportName);
+        ASSERT_NE(row, nullptr) << command.name;
+        ++commandsOf[row->name];
+        std::set<std::string_view> given, wanted;
+        for (const capi::Param& p : row->params) wanted.insert(p.name);
+        for (const cli::Word& w : command.words) {
+            given.insert(w.param);
+            // A word gives a field exactly when its parameter is a query.
+            for (const capi::Param& p : row->params) {
+                if (p.name == w.param) {
+                    EXPECT_EQ(w.field.empty(), p.kind != capi::ParamKind::query) << w.word;
+                }
+            }
+        }
+        EXPECT_EQ(given, wanted) << command.name;
+    }
+    for (const auto* table : {&capi::exportTable(), &capi::plus::plusExportTable()}) {
+        for (const capi::Export& row : *table) {
+            const bool hostOnly = row.name == "zeblo_free_string" || row.name == "zeblo_last_failure";
+            EXPECT_EQ(commandsOf[row.name], hostOnly ? 0 : 1) << row.name;
+        }
     }
 }
 

@@ -1,6 +1,7 @@
 // The MCP server's protocol layer, driven message by message on simulated
 // desktops: negotiation, malformed messages, the tool list and its hints,
 // tool results and failures, argument checking.
+#include "capi/export_table.h"
 #include "mcp_server.h"
 #include "support/sim_fixture.h"
 
@@ -88,6 +89,24 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
             EXPECT_EQ(hints["destructiveHint"], true) << name;
             if (hints["idempotentHint"] == true) idempotentActs.insert(name);
         }
+    }
+    // A tool for each export but zeblo_free_string, its arguments the
+    // export's parameters in order.
+    std::size_t t = 0;
+    for (const capi::Export& row : capi::exportTable()) {
+        if (row.failure == capi::Failure::none) continue;
+        ASSERT_LT(t, tools.size());
+        const Json& tool = tools[t++];
+        EXPECT_EQ("zeblo_" + tool["name"].get<std::string>(), row.name);
+        std::vector<std::string> given, wanted;
+        for (const auto& property : tool["inputSchema"]["properties"].items()) given.push_back(property.key());
+        for (const capi::Param& p : row.params) {
+            std::string snake;
+            for (const char c : p.name)
+                snake += c >= 'A' && c <= 'Z' ? std::string("_") + char(c - 'A' + 'a') : std::string(1, c);
+            wanted.push_back(snake);
+        }
+        EXPECT_EQ(given, wanted) << row.name;
     }
     EXPECT_EQ(readOnly, (std::set<std::string>{"get_app_menus", "menu_item_exists", "menu_item_enabled",
                                                "get_window_buttons", "get_window_text", "get_frontmost_info",

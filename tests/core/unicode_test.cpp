@@ -13,6 +13,13 @@ TEST(Unicode, LowerCasingIsFullAndLocaleFree) {
     EXPECT_EQ(toLower("\xe2\x84\xaa"), "k");                  // Kelvin sign
     EXPECT_EQ(toLower("\xc4\xb0"), "i\xcc\x87");              // İ: full mapping, two scalars
     EXPECT_EQ(toLower("\xce\xa3\xce\x91"), "\xcf\x83\xce\xb1");  // ΣΑ
+    // A text that grows by more than the first guess of its length.
+    std::string dotted, lowered;
+    for (int i = 0; i < 20; ++i) {
+        dotted += "\xc4\xb0";
+        lowered += "i\xcc\x87";
+    }
+    EXPECT_EQ(toLower(dotted), lowered);
 }
 
 TEST(Unicode, GraphemeClusters) {
@@ -41,6 +48,8 @@ TEST(Unicode, CanonicalEquivalence) {
     // Matches respect cluster boundaries: a bare letter is not found inside
     // an accented one.
     EXPECT_FALSE(canonicallyContains("caf" + kComposedE, "cafe"));
+    EXPECT_FALSE(canonicallyContains("caf" + kDecomposedE, "cafe"));  // the bytes are there, the letter is not
+    EXPECT_TRUE(canonicallyContains("caf" + kDecomposedE + " noir", "noir"));
     EXPECT_FALSE(canonicallyContains("caf" + kComposedE, "\xcc\x81"));  // a mark alone is no cluster
     EXPECT_FALSE(canonicallyContains("anything", ""));
     EXPECT_FALSE(canonicallyContains("", ""));

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,41 +23,28 @@
 
 namespace {
 
-using zeblo::cli::Args;
 using zeblo::cli::Command;
-using zeblo::cli::Commands;
 using zeblo::cli::UsageError;
 
-Commands allCommands() {
-    Commands commands;
-    zeblo::cli::addMenuCommands(commands);
-    zeblo::cli::addKeyboardCommands(commands);
-    zeblo::cli::addWindowCommands(commands);
-    zeblo::cli::addAppCommands(commands);
-    zeblo::cli::addElementCommands(commands);
-    // The MCP server: requests on standard input, answers on standard output.
-    commands.push_back({"mcp", "", 0, 0, {}, [](const Args&) {
-                            zeblo::mcp::Server server;
-                            server.serve(std::cin, std::cout);
-                            return 0;
-                        }});
-    return commands;
-}
+// The MCP server is a command of its own: requests on standard input, answers
+// on standard output.
+constexpr std::string_view kMcp = "mcp";
 
-void printUsage(const Commands& commands, std::FILE* to) {
+void printUsage(std::FILE* to) {
     std::fputs("usage: zeblo [--simulate DESKTOP.json] [--trace FILE] COMMAND [ARGS...]\n\ncommands:\n", to);
-    for (const Command& c : commands) {
-        std::string line = "  " + c.name;
-        if (!c.usage.empty()) line += " " + c.usage;
-        for (const auto& flag : c.flags) line += " [" + flag + "]";
+    for (const Command& c : zeblo::cli::commands()) {
+        std::string line = "  " + std::string(c.name);
+        if (const std::string usage = zeblo::cli::usageOf(c); !usage.empty()) line += " " + usage;
+        for (const std::string_view flag : zeblo::cli::flagsOf(c)) line += " [" + std::string(flag) + "]";
         std::fprintf(to, "%s\n", line.c_str());
     }
+    std::fprintf(to, "  %s\n", std::string(kMcp).c_str());
     std::fputs("\nAn empty argument \"\" is an empty name. Integers are decimal or 0x-hex.\n", to);
 }
 
-int usageError(const Commands& commands, const std::string& message) {
+int usageError(const std::string& message) {
     std::fprintf(stderr, "zeblo: %s\n", message.c_str());
-    printUsage(commands, stderr);
+    printUsage(stderr);
     return 2;
 }
 
@@ -79,7 +65,6 @@ bool writeTrace(const zeblo::sim::SimDesktop& desktop, const std::string& target
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Commands commands = allCommands();
     std::string simulate;
     std::string trace;
     bool haveTrace = false;
@@ -88,42 +73,34 @@ int main(int argc, char** argv) {
     for (; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--simulate" || arg == "--trace") {
-            if (i + 1 >= argc) return usageError(commands, arg + " needs a file");
+            if (i + 1 >= argc) return usageError(arg + " needs a file");
             (arg == "--simulate" ? simulate : trace) = argv[++i];
             if (arg == "--trace") haveTrace = true;
         } else if (arg == "--help" || arg == "-h") {
-            printUsage(commands, stdout);
+            printUsage(stdout);
             return 0;
         } else if (arg.size() > 1 && arg[0] == '-' && arg != "-") {
-            return usageError(commands, "unknown option '" + arg + "'");
+            return usageError("unknown option '" + arg + "'");
         } else {
             break;
         }
     }
-    if (i >= argc) return usageError(commands, "no command given");
-    if (haveTrace && simulate.empty()) return usageError(commands, "--trace needs --simulate");
+    if (i >= argc) return usageError("no command given");
+    if (haveTrace && simulate.empty()) return usageError("--trace needs --simulate");
 
     const std::string name = argv[i++];
     const Command* command = nullptr;
-    for (const Command& c : commands) {
+    for (const Command& c : zeblo::cli::commands()) {
         if (c.name == name) command = &c;
     }
-    if (command == nullptr) return usageError(commands, "unknown command '" + name + "'");
-
-    Args args;
-    for (; i < argc; ++i) {
-        const std::string arg = argv[i];
-        bool isFlag = false;
-        for (const auto& flag : command->flags) {
-            if (arg == flag) isFlag = true;
-        }
-        if (isFlag && arg == "--mark") args.mark = true;
-        else if (isFlag && arg == "--enter") args.enter = true;
-        else if (isFlag && arg == "--hidden") args.hidden = true;
-        else args.values.push_back(arg);
-    }
-    if (args.values.size() < command->minArgs || args.values.size() > command->maxArgs) {
-        return usageError(commands, "usage: zeblo " + command->name + " " + command->usage);
+    if (command == nullptr && name != kMcp) return usageError("unknown command '" + name + "'");
+    const std::vector<std::string> words(argv + i, argv + argc);
+    if (command == nullptr && !words.empty()) return usageError("usage: zeblo mcp");
+    std::vector<zeblo::capi::Argument> arguments;
+    try {
+        if (command != nullptr) arguments = zeblo::cli::read(*command, words);
+    } catch (const UsageError& e) {
+        return usageError(e.message);
     }
 
     std::shared_ptr<zeblo::sim::SimDesktop> desktop;
@@ -139,10 +116,11 @@ int main(int argc, char** argv) {
     }
 
     int code = 0;
-    try {
-        code = command->run(args);
-    } catch (const UsageError& e) {
-        return usageError(commands, e.message);
+    if (command == nullptr) {
+        zeblo::mcp::Server server;
+        server.serve(std::cin, std::cout);
+    } else {
+        code = zeblo::cli::run(*command, arguments);
     }
     std::fflush(stdout);
 

@@ -30,12 +30,11 @@ struct Record {
 thread_local Record lastCall;
 thread_local std::string pendingDetail;
 
-// The case name of a typed error's rendering: `buttonNotFound("OK")` gives
-// "buttonNotFound".
-std::string caseName(const Error& e) {
-    std::string text = e.debugText();
-    const std::size_t paren = text.find('(');
-    return paren == std::string::npos ? text : text.substr(0, paren);
+// The name of a typed error's case, from its kind's table of cases.
+std::string caseName(const TypedError& e) {
+    const auto& cases = e.errorKind().cases;
+    const auto number = static_cast<std::size_t>(e.caseNumber());
+    return number < cases.size() ? std::string(cases[number].name) : "unknown";
 }
 
 class Observer final : public CallObserver {
@@ -83,7 +82,7 @@ Failure failureOf(const std::exception* error) {
         return {"keystroke", caseName(*e), e->description()};
     }
     if (const auto* e = dynamic_cast<const MessageError*>(error)) return {"keystroke", "failure", e->description()};
-    if (const auto* e = dynamic_cast<const Error*>(error)) return {"internal", caseName(*e), e->description()};
+    if (const auto* e = dynamic_cast<const Error*>(error)) return {"internal", "unexpected", e->description()};
     if (dynamic_cast<const std::bad_alloc*>(error) != nullptr) return {"internal", "outOfMemory", "out of memory"};
     return {"internal", "unexpected", error->what()};
 }

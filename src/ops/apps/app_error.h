@@ -8,25 +8,29 @@
 
 namespace zeblo {
 
+// The cases in declaration order: a case's number is part of the descriptions
+// the host sees.
+inline constexpr ErrorCase kAppErrorCases[] = {
+    {"appNotFound", "application not found"},
+    {"noFrontmostApp", "no frontmost application"},
+    {"activationFailed", "activation failed"},
+    {"launchFailed", "launch failed"},
+};
+inline constexpr ErrorKind kAppError{"AppError", kAppErrorCases};
+
 class AppError : public TypedError {
 public:
-    enum class Case { appNotFound = 0, noFrontmostApp = 1, activationFailed = 2, launchFailed = 3 };
+    static AppError appNotFound(std::string name) { return {Case::appNotFound, std::move(name)}; }
+    static AppError noFrontmostApp() { return AppError(Case::noFrontmostApp); }
+    static AppError activationFailed() { return AppError(Case::activationFailed); }
+    static AppError launchFailed() { return AppError(Case::launchFailed); }
 
-    static AppError appNotFound(std::string name) {
-        return AppError(Case::appNotFound, "appNotFound", std::move(name));
-    }
-    static AppError noFrontmostApp() { return AppError(Case::noFrontmostApp, "noFrontmostApp"); }
-    static AppError activationFailed() { return AppError(Case::activationFailed, "activationFailed"); }
-    static AppError launchFailed() { return AppError(Case::launchFailed, "launchFailed"); }
-
-    Case kind() const noexcept { return case_; }
     const std::string& name() const noexcept { return payload(); }  // appNotFound only
 
 private:
-    AppError(Case c, const char* caseName) : TypedError("AppError", static_cast<int>(c), caseName), case_(c) {}
-    AppError(Case c, const char* caseName, std::string name)
-        : TypedError("AppError", static_cast<int>(c), caseName, std::move(name)), case_(c) {}
-    Case case_;
+    enum class Case { appNotFound, noFrontmostApp, activationFailed, launchFailed };
+    explicit AppError(Case c) : TypedError(kAppError, static_cast<int>(c)) {}
+    AppError(Case c, std::string name) : TypedError(kAppError, static_cast<int>(c), std::move(name)) {}
 };
 
 }  // namespace zeblo

@@ -8,6 +8,7 @@
 #include "ops/elements/element_ops.h"
 #include "ops/elements/walk.h"
 #include "ops/lookup.h"
+#include "platform/ax_names.h"
 
 namespace zeblo::elements {
 
@@ -45,13 +46,13 @@ std::optional<bool> readBool(const Element& e, std::string_view attribute) {
 }
 
 std::optional<std::int64_t> readNumber(const Element& e) {
-    auto read = platform::asInteger(desk().copyAttributeValue(e, "AXValue"));
+    auto read = platform::asInteger(desk().copyAttributeValue(e, ax::kValueAttribute));
     return read.ok() ? std::optional<std::int64_t>(read.value) : std::nullopt;
 }
 
 void press(const Resolved& r) {
-    if (perform(r.element, "AXPress")) return;
-    if (perform(r.element, "AXPick")) return;
+    if (perform(r.element, ax::kPressAction)) return;
+    if (perform(r.element, ax::kPickAction)) return;
     throw ElementError::action("refused", "The " + describe(r.facts) + " refused to be pressed");
 }
 
@@ -61,7 +62,7 @@ bool setChecked(const Resolved& r, bool wanted) {
         throw ElementError::action("notCheckable", "The " + describe(r.facts) + " cannot be checked or unchecked");
     }
     if (r.facts.checked() == wanted) return false;
-    if (r.facts.role == "AXRadioButton" && !wanted) {
+    if (r.facts.role == ax::kRadioButtonRole && !wanted) {
         throw ElementError::action("notCheckable", "A radio button is unchecked by checking another one");
     }
     press(r);
@@ -73,7 +74,7 @@ bool setChecked(const Resolved& r, bool wanted) {
 }
 
 void writeValue(const Resolved& r, const platform::SetValue& value, const std::string& shown) {
-    const platform::AXError code = desk().setAttributeValue(r.element, "AXValue", value);
+    const platform::AXError code = desk().setAttributeValue(r.element, ax::kValueAttribute, value);
     if (!lookup::performed(code)) {
         throw ElementError::action("refused", "The " + describe(r.facts) + " did not take the value '" + shown +
                                                   "' (error " + std::to_string(code) + ")");
@@ -100,8 +101,8 @@ std::vector<std::pair<std::string, Json>> choices(const std::string& ref, std::i
     const Walk w = walk(scope, limits, [](const Visited& v) {
         // A popover itself (GTK 4 calls it a menu) is no item to choose.
         return !v.facts.name.empty() && v.facts.enabled &&
-               (v.facts.role == "AXMenuItem" || std::find(v.facts.actions.begin(), v.facts.actions.end(),
-                                                          "AXPress") != v.facts.actions.end());
+               (v.facts.role == ax::kMenuItemRole || std::find(v.facts.actions.begin(), v.facts.actions.end(),
+                                                          ax::kPressAction) != v.facts.actions.end());
     });
     std::vector<std::pair<std::string, Json>> out;
     for (const Visited& v : w.nodes) {
@@ -113,29 +114,29 @@ std::vector<std::pair<std::string, Json>> choices(const std::string& ref, std::i
 // Chooses the item named `wanted` of a pop-up button's menu (opening it).
 void choose(const Resolved& r, const std::string& wanted) {
     platform::Platform& p = desk();
-    (void)perform(r.element, "AXPress");
+    (void)perform(r.element, ax::kPressAction);
     p.sleep(0.05);
     std::vector<Element> items;
-    auto menu = platform::asElement(p.copyAttributeValue(r.element, "AXMenu"));
+    auto menu = platform::asElement(p.copyAttributeValue(r.element, ax::kMenuAttribute));
     if (!menu.ok()) {
-        auto children = platform::asElementArray(p.copyAttributeValue(r.element, "AXChildren"));
+        auto children = platform::asElementArray(p.copyAttributeValue(r.element, ax::kChildrenAttribute));
         for (Element& child : children.ok() ? children.value : std::vector<Element>{}) {
-            auto role = platform::asString(p.copyAttributeValue(child, "AXRole"));
-            if (role.ok() && role.value == "AXMenu") menu.value = std::move(child);
+            auto role = platform::asString(p.copyAttributeValue(child, ax::kRoleAttribute));
+            if (role.ok() && role.value == ax::kMenuRole) menu.value = std::move(child);
         }
     }
     if (menu.value) {
-        auto children = platform::asElementArray(p.copyAttributeValue(menu.value, "AXChildren"));
+        auto children = platform::asElementArray(p.copyAttributeValue(menu.value, ax::kChildrenAttribute));
         if (children.ok()) items = std::move(children.value);
     }
     for (const Element& item : items) {
         if (!item) continue;
-        auto title = platform::asString(p.copyAttributeValue(item, "AXTitle"));
+        auto title = platform::asString(p.copyAttributeValue(item, ax::kTitleAttribute));
         if (!title.ok() || !lookup::softMatch(title.value, wanted)) continue;
-        if (perform(item, "AXPress")) return;
+        if (perform(item, ax::kPressAction)) return;
         throw ElementError::action("refused", "The item '" + title.value + "' refused to be chosen");
     }
-    (void)perform(r.element, "AXCancel");
+    (void)perform(r.element, ax::kCancelAction);
     throw ElementError::action("noSuchItem", "The " + describe(r.facts) + " has no item '" + wanted + "'");
 }
 
@@ -227,8 +228,8 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
         case Kind::uncheck: out["changed"] = setChecked(r, false); break;
         case Kind::focus:
             if (f.focused) break;
-            if (!lookup::performed(p.setAttributeValue(r.element, "AXFocused", true)) ||
-                !shows([&] { return readBool(r.element, "AXFocused").value_or(false); })) {
+            if (!lookup::performed(p.setAttributeValue(r.element, ax::kFocusedAttribute, true)) ||
+                !shows([&] { return readBool(r.element, ax::kFocusedAttribute).value_or(false); })) {
                 throw ElementError::action("noEffect", "The " + describe(f) + " did not take the focus");
             }
             break;
@@ -240,7 +241,7 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             } else if (isTextEntryRole(f.role)) {
                 if (!f.editable) throw ElementError::action("notEditable", "The " + describe(f) + " is not editable");
                 writeValue(r, value, value);
-            } else if (f.role == "AXPopUpButton") {
+            } else if (f.role == ax::kPopUpButtonRole) {
                 choose(r, value);
             } else if (const std::optional<std::int64_t> number = parseInteger(value); number && f.number) {
                 writeValue(r, *number, value);
@@ -250,11 +251,11 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             break;
         case Kind::select:
             if (f.selected) break;
-            if (lookup::performed(p.setAttributeValue(r.element, "AXSelected", true)) &&
-                shows([&] { return readBool(r.element, "AXSelected").value_or(false); })) {
+            if (lookup::performed(p.setAttributeValue(r.element, ax::kSelectedAttribute, true)) &&
+                shows([&] { return readBool(r.element, ax::kSelectedAttribute).value_or(false); })) {
                 break;
             }
-            if (!offers("AXPress")) {
+            if (!offers(ax::kPressAction)) {
                 throw ElementError::action("refused", "The " + describe(f) + " cannot be selected");
             }
             press(r);
@@ -267,8 +268,8 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
                 out["changed"] = false;
                 break;
             }
-            if (!lookup::performed(p.setAttributeValue(r.element, "AXExpanded", wanted))) press(r);
-            if (!shows([&] { return readBool(r.element, "AXExpanded") == wanted; })) {
+            if (!lookup::performed(p.setAttributeValue(r.element, ax::kExpandedAttribute, wanted))) press(r);
+            if (!shows([&] { return readBool(r.element, ax::kExpandedAttribute) == wanted; })) {
                 throw ElementError::action("noEffect", "The " + describe(f) + " did not " +
                                                            (wanted ? "expand" : "collapse"));
             }
@@ -303,20 +304,20 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             // a pop-up button, a menu bar item); a toggle's too (GTK 3 makes
             // a menu button a toggle button), which is pressed back when no
             // menu came; any other element's menu is its context menu.
-            static constexpr std::string_view kPressedOpen[] = {"AXButton", "AXPopUpButton", "AXMenuButton",
-                                                                "AXMenuBarItem", "AXMenuItem", "AXComboBox",
-                                                                "AXCheckBox"};
+            static constexpr std::string_view kPressedOpen[] = {ax::kButtonRole, ax::kPopUpButtonRole, ax::kMenuButtonRole,
+                                                                ax::kMenuBarItemRole, ax::kMenuItemRole, ax::kComboBoxRole,
+                                                                ax::kCheckBoxRole};
             const bool pressedOpen =
-                !offers("AXShowMenu") && offers("AXPress") &&
+                !offers(ax::kShowMenuAction) && offers(ax::kPressAction) &&
                 std::find(std::begin(kPressedOpen), std::end(kPressedOpen), f.role) != std::end(kPressedOpen);
             if (pressedOpen) {
                 press(r);
-            } else if (!perform(r.element, "AXShowMenu")) {
+            } else if (!perform(r.element, ax::kShowMenuAction)) {
                 throw ElementError::action("noMenu", "The " + describe(f) + " has no menu to open");
             }
             Json items = appeared();
             if (items.empty()) {
-                if (pressedOpen && f.checkable()) (void)perform(r.element, "AXPress");
+                if (pressedOpen && f.checkable()) (void)perform(r.element, ax::kPressAction);
                 throw ElementError::action("noMenu", "No menu appeared for the " + describe(f) +
                                                          (pressedOpen && !f.checkable() ? " (it was pressed)" : ""));
             }
@@ -324,13 +325,13 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             break;
         }
         case Kind::scroll:
-            if (!perform(r.element, "AXScrollToVisible")) {
+            if (!perform(r.element, ax::kScrollToVisibleAction)) {
                 throw ElementError::action("refused", "The " + describe(f) + " cannot be scrolled into view");
             }
             break;
         case Kind::increment:
         case Kind::decrement: {
-            const char* action = *kind == Kind::increment ? "AXIncrement" : "AXDecrement";
+            const char* action = *kind == Kind::increment ? ax::kIncrementAction : ax::kDecrementAction;
             if (!perform(r.element, action)) {
                 throw ElementError::action("refused", "The " + describe(f) + " cannot be " +
                                                           (*kind == Kind::increment ? "incremented" : "decremented"));

@@ -35,10 +35,10 @@ std::string lower(std::string_view text) {
 }
 
 bool isFieldRole(std::string_view role) {
-    return isTextEntryRole(role) || role == "AXPopUpButton" || role == "AXSlider" || role == "AXIncrementor";
+    return isTextEntryRole(role) || role == ax::kPopUpButtonRole || role == ax::kSliderRole || role == ax::kIncrementorRole;
 }
 
-bool isLabelRole(std::string_view role) { return role == "AXStaticText"; }
+bool isLabelRole(std::string_view role) { return role == ax::kStaticTextRole; }
 
 bool sameRow(const platform::Frame& a, const platform::Frame& b) {
     const double overlap = std::min(a.y + a.height, b.y + b.height) - std::max(a.y, b.y);
@@ -46,7 +46,7 @@ bool sameRow(const platform::Frame& a, const platform::Frame& b) {
 }
 
 bool isControlRole(std::string_view role) {
-    return isFieldRole(role) || role == "AXButton" || role == "AXCheckBox" || role == "AXRadioButton";
+    return isFieldRole(role) || role == ax::kButtonRole || role == ax::kCheckBoxRole || role == ax::kRadioButtonRole;
 }
 
 }  // namespace
@@ -57,10 +57,10 @@ const std::vector<Siblings::Seen>& Siblings::seen() const {
         for (std::size_t j = 0; j < elements_.size(); ++j) {
             if (!elements_[j]) continue;
             Seen& s = (*seen_)[j];
-            s.role = readText(elements_[j], "AXRole");
+            s.role = readText(elements_[j], ax::kRoleAttribute);
             if (isLabelRole(s.role)) {
-                s.text = readText(elements_[j], "AXValue");
-                if (s.text.empty()) s.text = readText(elements_[j], "AXTitle");
+                s.text = readText(elements_[j], ax::kValueAttribute);
+                if (s.text.empty()) s.text = readText(elements_[j], ax::kTitleAttribute);
             }
         }
     }
@@ -136,12 +136,12 @@ std::string Siblings::labelFor(std::size_t index) const {
 }
 
 bool Facts::checkable() const {
-    return role == "AXCheckBox" || role == "AXRadioButton" || role == "AXSwitch" || role == "AXToggle";
+    return role == ax::kCheckBoxRole || role == ax::kRadioButtonRole || role == ax::kSwitchRole || role == ax::kToggleRole;
 }
 
 bool isTextEntryRole(std::string_view role) {
-    return role == "AXTextField" || role == "AXTextArea" || role == "AXComboBox" || role == "AXSecureTextField" ||
-           role == "AXSearchField";
+    return role == ax::kTextFieldRole || role == ax::kTextAreaRole || role == ax::kComboBoxRole || role == ax::kSecureTextFieldRole ||
+           role == ax::kSearchFieldRole;
 }
 
 std::string shortRole(std::string_view role) {
@@ -163,12 +163,12 @@ std::string shortAction(std::string_view action) { return shortRole(action); }
 Facts readFacts(const Element& e, const Siblings* siblings, std::size_t index, bool withActions) {
     platform::Platform& p = desk();
     Facts f;
-    f.role = readText(e, "AXRole");
-    if (f.role.empty()) f.role = "AXUnknown";
-    const std::string title = readText(e, "AXTitle");
-    f.description = readText(e, "AXDescription");
+    f.role = readText(e, ax::kRoleAttribute);
+    if (f.role.empty()) f.role = ax::kUnknownRole;
+    const std::string title = readText(e, ax::kTitleAttribute);
+    f.description = readText(e, ax::kDescriptionAttribute);
 
-    platform::AttributeRead value = p.copyAttributeValue(e, "AXValue");
+    platform::AttributeRead value = p.copyAttributeValue(e, ax::kValueAttribute);
     if (value.code == platform::kAXErrorSuccess) {
         if (auto* text = std::get_if<std::string>(&value.value)) {
             f.value = std::move(*text);
@@ -181,7 +181,7 @@ Facts readFacts(const Element& e, const Siblings* siblings, std::size_t index, b
     }
 
     f.name = title;
-    if (f.name.empty() && (isLabelRole(f.role) || f.role == "AXHeading") && !f.value.empty()) {
+    if (f.name.empty() && (isLabelRole(f.role) || f.role == ax::kHeadingRole) && !f.value.empty()) {
         f.name = std::move(f.value);  // a label's text is its name
         f.value.clear();
     }
@@ -194,16 +194,16 @@ Facts readFacts(const Element& e, const Siblings* siblings, std::size_t index, b
         if (f.name.empty() && siblings != nullptr && index < siblings->elements().size()) {
             f.name = siblings->labelFor(index);
         }
-        if (f.name.empty()) f.name = readText(e, "AXPlaceholderValue");
+        if (f.name.empty()) f.name = readText(e, ax::kPlaceholderValueAttribute);
     }
     if (f.description == f.name) f.description.clear();
 
-    f.enabled = readBool(e, "AXEnabled").value_or(true);
-    f.focused = readBool(e, "AXFocused").value_or(false);
-    f.selected = readBool(e, "AXSelected").value_or(false);
-    f.expanded = readBool(e, "AXExpanded");
+    f.enabled = readBool(e, ax::kEnabledAttribute).value_or(true);
+    f.focused = readBool(e, ax::kFocusedAttribute).value_or(false);
+    f.selected = readBool(e, ax::kSelectedAttribute).value_or(false);
+    f.expanded = readBool(e, ax::kExpandedAttribute);
     if (isTextEntryRole(f.role)) {
-        const platform::SettableRead settable = p.isAttributeSettable(e, "AXValue");
+        const platform::SettableRead settable = p.isAttributeSettable(e, ax::kValueAttribute);
         f.editable = settable.code == platform::kAXErrorSuccess && settable.settable;
     }
     if (withActions) {

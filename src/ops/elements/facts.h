@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ax_names.h"
 #include "platform/platform.h"
 
 namespace zeblo::elements {
@@ -15,12 +16,12 @@ namespace zeblo::elements {
 // children including those a user cannot see (in order, the seen ones among
 // them in the order of "AXChildren"), and whether an element reached through
 // that list is seen. A backend without them shows everything it lists.
-inline constexpr std::string_view kAllChildren = "ZBAllChildren";
-inline constexpr std::string_view kVisible = "ZBVisible";
-inline constexpr std::string_view kToolkitName = "ZBName";
+inline constexpr std::string_view kAllChildren = ax::kAllChildrenAttribute;
+inline constexpr std::string_view kVisible = ax::kVisibleAttribute;
+inline constexpr std::string_view kToolkitName = ax::kNameAttribute;
 // An application's open pop-up menus that stand in windows of their own (a
 // context menu), which its window list leaves out.
-inline constexpr std::string_view kPopups = "ZBMenus";
+inline constexpr std::string_view kPopups = ax::kMenusAttribute;
 
 struct Facts {
     std::string role;  // as the platform names it ("AXButton"); "AXUnknown" when unreadable

@@ -5,6 +5,7 @@
 #include "ops/elements/element_ops.h"
 #include "ops/elements/walk.h"
 #include "ops/lookup.h"
+#include "platform/ax_names.h"
 #include "platform/deadline.h"
 
 namespace zeblo::elements {
@@ -289,7 +290,7 @@ std::optional<std::string> hiddenControl(const std::string& appName, const std::
         const Walk w = walk(scope, limits, [](const Visited&) { return true; });
         for (const Visited& v : w.nodes) {
             if (v.facts.visible || v.facts.role != role || !lookup::softMatch(v.facts.name, name)) continue;
-            const std::string kind = role == "AXCheckBox" ? "Checkbox" : role == "AXButton" ? "Button" : shortRole(role);
+            const std::string kind = role == ax::kCheckBoxRole ? "Checkbox" : role == ax::kButtonRole ? "Button" : shortRole(role);
             return kind + " '" + name + "' is not visible";
         }
     } catch (const Error&) {

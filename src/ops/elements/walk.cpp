@@ -4,6 +4,7 @@
 #include "core/unicode.h"
 #include "ops/elements/element_error.h"
 #include "ops/lookup.h"
+#include "platform/ax_names.h"
 
 namespace zeblo::elements {
 
@@ -27,7 +28,7 @@ platform::RunningApp findApp(const std::string& name) {
 
 // The application's windows; throws when it does not answer.
 std::vector<Element> windowsOf(const Element& app, const std::string& appName) {
-    auto windows = platform::asElementArray(desk().copyAttributeValue(app, "AXWindows"));
+    auto windows = platform::asElementArray(desk().copyAttributeValue(app, ax::kWindowsAttribute));
     if (windows.code == platform::kAXErrorCannotComplete) throw unanswered(appName);
     return windows.ok() ? std::move(windows.value) : std::vector<Element>{};
 }
@@ -35,8 +36,8 @@ std::vector<Element> windowsOf(const Element& app, const std::string& appName) {
 // The children of `e`: those a user sees, or with `all` every one (and
 // whether each is seen).
 std::vector<Element> childrenOf(const Element& e, bool all) {
-    auto read = platform::asElementArray(desk().copyAttributeValue(e, all ? kAllChildren : "AXChildren"));
-    if (!read.ok() && all) read = platform::asElementArray(desk().copyAttributeValue(e, "AXChildren"));
+    auto read = platform::asElementArray(desk().copyAttributeValue(e, all ? kAllChildren : ax::kChildrenAttribute));
+    if (!read.ok() && all) read = platform::asElementArray(desk().copyAttributeValue(e, ax::kChildrenAttribute));
     if (!read.ok() || read.value.size() > 9'999) return {};
     return std::move(read.value);
 }
@@ -146,7 +147,7 @@ Reached reach(const Reference& ref, const std::string& shown) {
     const Element app = p.createApplicationElement(parsed->pid);
     Element at;
     if (parsed->menuBar) {
-        auto bar = platform::asElement(p.copyAttributeValue(app, "AXMenuBar"));
+        auto bar = platform::asElement(p.copyAttributeValue(app, ax::kMenuBarAttribute));
         if (bar.code == platform::kAXErrorCannotComplete) throw unanswered(out.appName);
         if (!bar.ok() || !bar.value) throw ElementError::stale(shown, "the application has no menu bar now");
         at = std::move(bar.value);
@@ -180,17 +181,17 @@ Reached reach(const Reference& ref, const std::string& shown) {
 
 bool plainContainer(const Facts& f) {
     static constexpr std::string_view kContainers[] = {
-        "AXGroup",     "AXUnknown", "AXScrollArea", "AXSplitGroup", "AXLayoutArea", "AXLayoutItem",
-        "AXSplitter",  "AXFiller",  "AXPanel",      "AXMatte",      "AXGrowArea",   "AXRuler"};
+        ax::kGroupRole,     ax::kUnknownRole, ax::kScrollAreaRole, ax::kSplitGroupRole, ax::kLayoutAreaRole, ax::kLayoutItemRole,
+        ax::kSplitterRole,  ax::kFillerRole,  ax::kPanelRole,      ax::kMatteRole,      ax::kGrowAreaRole,   ax::kRulerRole};
     bool container = false;
     for (const std::string_view role : kContainers) container = container || f.role == role;
     if (!container) {
         // Unnamed text and images show nothing a user can tell apart either.
-        container = (f.role == "AXStaticText" || f.role == "AXImage") && f.name.empty() && f.value.empty();
+        container = (f.role == ax::kStaticTextRole || f.role == ax::kImageRole) && f.name.empty() && f.value.empty();
         if (!container) return false;
     }
     bool acts = false;
-    for (const std::string& a : f.actions) acts = acts || a == "AXPress" || a == "AXShowMenu";
+    for (const std::string& a : f.actions) acts = acts || a == ax::kPressAction || a == ax::kShowMenuAction;
     return f.name.empty() && f.value.empty() && f.description.empty() && !acts && !f.focused && !f.selected &&
            !f.expanded.has_value() && !f.editable;
 }
@@ -200,7 +201,7 @@ namespace {
 // Whether `v` is a label that only repeats the name of the element it is
 // in (a button's own label): nothing a user can tell apart.
 bool echoes(const Visited& v, const Walk& w) {
-    if (v.facts.role != "AXStaticText" || v.facts.name.empty()) return false;
+    if (v.facts.role != ax::kStaticTextRole || v.facts.name.empty()) return false;
     for (int up = v.parent, steps = 0; up >= 0 && steps < 3; up = w.nodes[up].parent, ++steps) {
         if (w.nodes[up].facts.name == v.facts.name) return true;
         if (w.nodes[up].listed) break;
@@ -253,7 +254,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         for (std::size_t i = 0; i < windows.size(); ++i) {
             if (!windows[i]) continue;
             if (scope.window && !scope.window->empty()) {
-                auto title = platform::asString(p.copyAttributeValue(windows[i], "AXTitle"));
+                auto title = platform::asString(p.copyAttributeValue(windows[i], ax::kTitleAttribute));
                 if (!title.ok() || !lookup::softMatch(title.value, *scope.window)) continue;
                 w.windowTitle = title.value;
             }
@@ -266,7 +267,7 @@ Walk walk(const Scope& scope, const Limits& limits, const std::function<bool(con
         }
         if (scope.menuBar) {
             // The menu bar (macOS keeps it on the application, not in a window).
-            auto bar = platform::asElement(p.copyAttributeValue(appElement, "AXMenuBar"));
+            auto bar = platform::asElement(p.copyAttributeValue(appElement, ax::kMenuBarAttribute));
             if (bar.code == platform::kAXErrorCannotComplete) throw unanswered(w.appName);
             if (!bar.ok() || !bar.value) {
                 throw ElementError("notFound", "noMenuBar", "Application '" + w.appName + "' has no menu bar");
@@ -397,8 +398,8 @@ Json factsJson(const std::string& ref, const Facts& f, const Limits& limits) {
     if (!states.empty()) node["states"] = std::move(states);
     // The actions act_on_element can take; a toolkit's own actions
     // ("expand or contract", "edit") are not listed.
-    static constexpr std::string_view kListed[] = {"AXPress",     "AXShowMenu", "AXIncrement", "AXDecrement",
-                                                   "AXConfirm",   "AXCancel",   "AXPick",      "AXRaise"};
+    static constexpr std::string_view kListed[] = {ax::kPressAction,     ax::kShowMenuAction, ax::kIncrementAction, ax::kDecrementAction,
+                                                   ax::kConfirmAction,   ax::kCancelAction,   ax::kPickAction,      ax::kRaiseAction};
     Json actions = Json::array();
     for (const std::string_view listed : kListed) {
         if (std::find(f.actions.begin(), f.actions.end(), listed) != f.actions.end()) {

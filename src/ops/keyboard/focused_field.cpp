@@ -4,12 +4,14 @@
 #include "ops/keyboard/events.h"
 #include "ops/keyboard/keystroke.h"
 #include "ops/lookup.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 namespace {
 
 // The roles whose value is set directly, compared exactly.
-constexpr std::array<std::string_view, 3> textFieldRoles{"AXTextField", "AXTextArea", "AXSecureTextField"};
+constexpr std::array<std::string_view, 3> textFieldRoles{ax::kTextFieldRole, ax::kTextAreaRole,
+                                                         ax::kSecureTextFieldRole};
 
 bool isTextFieldRole(std::string_view role) {
     for (std::string_view r : textFieldRoles)
@@ -22,7 +24,7 @@ bool isTextFieldRole(std::string_view role) {
 bool Keystroke::setAXValue(const platform::Element& element, const std::string& value) {
     platform::Platform& p = platform::current();
     // Only whether a string came back counts, not the read's result code.
-    const platform::Read<std::string> role = platform::asString(p.copyAttributeValue(element, "AXRole"));
+    const platform::Read<std::string> role = platform::asString(p.copyAttributeValue(element, ax::kRoleAttribute));
     if (!role) {
         p.log("setAXValue: Could not get role");
         return false;
@@ -33,11 +35,11 @@ bool Keystroke::setAXValue(const platform::Element& element, const std::string& 
     }
     p.log("setAXValue: Found text field with role '" + role.value + "'");
 
-    if (!p.isAttributeSettable(element, "AXValue").settable) {
+    if (!p.isAttributeSettable(element, ax::kValueAttribute).settable) {
         p.log("setAXValue: AXValue is not settable for role: " + role.value);
         return false;
     }
-    const platform::AXError result = p.setAttributeValue(element, "AXValue", platform::SetValue(value));
+    const platform::AXError result = p.setAttributeValue(element, ax::kValueAttribute, platform::SetValue(value));
     if (lookup::performed(result)) {
         p.log("setAXValue: Successfully set AXValue for role: " + role.value);
         return true;
@@ -75,7 +77,7 @@ void Keystroke::pasteIntoFocusedField(const std::string& text, bool sendEnter) {
         // Only direct children are tried, in order, never their children. A
         // null entry of the list is passed over.
         platform::Read<std::vector<platform::Element>> children =
-            platform::asElementArray(p.copyAttributeValue(focused, "AXChildren"));
+            platform::asElementArray(p.copyAttributeValue(focused, ax::kChildrenAttribute));
         if (children) {
             for (const platform::Element& child : children.value) {
                 if (child && setAXValue(child, text)) {

@@ -10,27 +10,27 @@
 
 namespace zeblo {
 
+// The cases in declaration order: a case's number is part of the descriptions
+// the host sees.
+inline constexpr ErrorCase kKeystrokeErrorCases[] = {
+    {"appNotFound", "application not found"},
+    {"noFrontmostApp", "no frontmost application"},
+    {"invalidModifiers", "invalid modifiers"},  // never raised: unknown modifier bits are ignored
+};
+inline constexpr ErrorKind kKeystrokeError{"KeystrokeError", kKeystrokeErrorCases};
+
 class KeystrokeError : public TypedError {
 public:
-    enum class Case { appNotFound = 0, noFrontmostApp = 1, invalidModifiers = 2 };
-
     // The application name exactly as the caller gave it.
-    static KeystrokeError appNotFound(std::string name) {
-        return KeystrokeError(Case::appNotFound, "appNotFound", std::move(name));
-    }
-    static KeystrokeError noFrontmostApp() { return KeystrokeError(Case::noFrontmostApp, "noFrontmostApp"); }
-    // Kept for completeness: unknown modifier bits are ignored, never refused.
-    static KeystrokeError invalidModifiers() { return KeystrokeError(Case::invalidModifiers, "invalidModifiers"); }
+    static KeystrokeError appNotFound(std::string name) { return {Case::appNotFound, std::move(name)}; }
+    static KeystrokeError noFrontmostApp() { return KeystrokeError(Case::noFrontmostApp); }
 
-    Case kind() const noexcept { return case_; }
     const std::string& name() const noexcept { return payload(); }  // appNotFound only
 
 private:
-    KeystrokeError(Case c, const char* caseName)
-        : TypedError("KeystrokeError", static_cast<int>(c), caseName), case_(c) {}
-    KeystrokeError(Case c, const char* caseName, std::string name)
-        : TypedError("KeystrokeError", static_cast<int>(c), caseName, std::move(name)), case_(c) {}
-    Case case_;
+    enum class Case { appNotFound, noFrontmostApp };
+    explicit KeystrokeError(Case c) : TypedError(kKeystrokeError, static_cast<int>(c)) {}
+    KeystrokeError(Case c, std::string name) : TypedError(kKeystrokeError, static_cast<int>(c), std::move(name)) {}
 };
 
 // The error domain of keystroke failures.

@@ -9,38 +9,34 @@
 
 namespace zeblo {
 
+// The cases in declaration order: a case's number is part of the descriptions
+// the host sees.
+inline constexpr ErrorCase kMenuErrorCases[] = {
+    {"appNotFound", "application not found"},
+    {"menuItemNotFound", "menu item not found"},
+    {"noFrontmostApp", "no frontmost application"},
+    {"menuBarNotFound", "menu bar not found"},
+    {"emptyMenuPath", "empty menu path"},
+    {"menuClickFailed", "the item refused to be chosen"},
+};
+inline constexpr ErrorKind kMenuError{"MenuError", kMenuErrorCases};
+
 class MenuError : public TypedError {
 public:
-    // The case numbers are part of the descriptions the host sees.
-    enum class Case {
-        appNotFound = 0,
-        menuItemNotFound = 1,
-        noFrontmostApp = 2,
-        menuBarNotFound = 3,
-        emptyMenuPath = 4,
-        menuClickFailed = 5,
-    };
+    static MenuError appNotFound(std::string name) { return {Case::appNotFound, std::move(name)}; }
+    static MenuError menuItemNotFound(std::string title) { return {Case::menuItemNotFound, std::move(title)}; }
+    static MenuError noFrontmostApp() { return MenuError(Case::noFrontmostApp); }
+    static MenuError menuBarNotFound() { return MenuError(Case::menuBarNotFound); }
+    static MenuError emptyMenuPath() { return MenuError(Case::emptyMenuPath); }
+    static MenuError menuClickFailed() { return MenuError(Case::menuClickFailed); }
 
-    static MenuError appNotFound(std::string name) {
-        return MenuError(Case::appNotFound, "appNotFound", std::move(name));
-    }
-    static MenuError menuItemNotFound(std::string title) {
-        return MenuError(Case::menuItemNotFound, "menuItemNotFound", std::move(title));
-    }
-    static MenuError noFrontmostApp() { return MenuError(Case::noFrontmostApp, "noFrontmostApp"); }
-    static MenuError menuBarNotFound() { return MenuError(Case::menuBarNotFound, "menuBarNotFound"); }
-    static MenuError emptyMenuPath() { return MenuError(Case::emptyMenuPath, "emptyMenuPath"); }
-    static MenuError menuClickFailed() { return MenuError(Case::menuClickFailed, "menuClickFailed"); }
-
-    Case kind() const noexcept { return case_; }
     // The name asked for (appNotFound) or the title not found (menuItemNotFound).
     using TypedError::payload;
 
 private:
-    MenuError(Case c, const char* caseName) : TypedError("MenuError", static_cast<int>(c), caseName), case_(c) {}
-    MenuError(Case c, const char* caseName, std::string payload)
-        : TypedError("MenuError", static_cast<int>(c), caseName, std::move(payload)), case_(c) {}
-    Case case_;
+    enum class Case { appNotFound, menuItemNotFound, noFrontmostApp, menuBarNotFound, emptyMenuPath, menuClickFailed };
+    explicit MenuError(Case c) : TypedError(kMenuError, static_cast<int>(c)) {}
+    MenuError(Case c, std::string payload) : TypedError(kMenuError, static_cast<int>(c), std::move(payload)) {}
 };
 
 }  // namespace zeblo

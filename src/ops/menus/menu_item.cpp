@@ -1,4 +1,5 @@
-// The menu record's value semantics, its JSON form and its decoding. Every
+// The menu record's value semantics, its JSON form (and the snapshot's, a
+// document of records) and its decoding. Every
 // walk over the tree uses an explicit stack (see menu_item.h).
 #include "ops/menus/menu_item.h"
 
@@ -64,25 +65,6 @@ MenuItem::~MenuItem() {
     }
 }
 
-bool operator==(const MenuItem& a, const MenuItem& b) {
-    std::vector<std::pair<const MenuItem*, const MenuItem*>> work{{&a, &b}};
-    while (!work.empty()) {
-        const auto [x, y] = work.back();
-        work.pop_back();
-        if (x->title != y->title || x->path != y->path || x->enabled != y->enabled ||
-            x->checked != y->checked || x->cmdChar != y->cmdChar || x->cmdModifiers != y->cmdModifiers ||
-            x->pid != y->pid || x->children.has_value() != y->children.has_value()) {
-            return false;
-        }
-        if (!x->children) continue;
-        if (x->children->size() != y->children->size()) return false;
-        for (std::size_t i = 0; i < x->children->size(); ++i) {
-            work.emplace_back(&(*x->children)[i], &(*y->children)[i]);
-        }
-    }
-    return true;
-}
-
 void MenuItem::encode(json::Writer& w) const {
     struct Frame {
         const std::vector<MenuItem>* items;
@@ -130,6 +112,43 @@ void MenuItem::encode(json::Writer& w) const {
             open.pop_back();
         }
     }
+}
+
+namespace {
+
+// About the length of the pretty-printed snapshot of `menus`, so that the text
+// is allocated once instead of growing through repeated copies (which, for a
+// text of a megabyte, costs several times the writing itself).
+std::size_t estimatedTextSize(const std::vector<MenuItem>& menus) {
+    std::size_t total = 64;
+    std::vector<std::pair<const MenuItem*, std::size_t>> work;  // record, indentation of its members
+    for (const MenuItem& m : menus) work.emplace_back(&m, 6);
+    while (!work.empty()) {
+        const auto [item, indent] = work.back();
+        work.pop_back();
+        total += 8 * (indent + 16) + item->title.size() + item->cmdChar.value_or("").size();
+        for (const std::string& title : item->path) total += indent + 8 + title.size();
+        if (item->children) {
+            for (const MenuItem& child : *item->children) work.emplace_back(&child, indent + 4);
+        }
+    }
+    return total;
+}
+
+}  // namespace
+
+std::string encodeMenuBar(std::string_view appName, const std::vector<MenuItem>& menus) {
+    json::Writer writer(json::Layout::pretty);
+    writer.reserve(estimatedTextSize(menus));
+    writer.beginObject();
+    writer.key("app");
+    writer.string(appName);
+    writer.key("menus");
+    writer.beginArray();
+    for (const MenuItem& menu : menus) menu.encode(writer);
+    writer.endArray();
+    writer.endObject();
+    return writer.take();
 }
 
 namespace {

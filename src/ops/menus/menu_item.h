@@ -5,16 +5,16 @@
 //
 // Menu trees have no depth limit and the host may call us on a thread with a
 // small stack, so nothing here recurses on the machine stack in proportion to
-// the depth: building from elements, copying, comparing, writing, decoding and
+// the depth: building from elements, copying, writing, decoding and
 // destroying all walk the tree with explicit stacks.
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include <nlohmann/json_fwd.hpp>
 
 #include "platform/platform.h"
 
@@ -70,12 +70,14 @@ public:
     // exceptions (nlohmann::json::exception) on a mismatch.
     static MenuItem decode(const nlohmann::json& object);
 
-    friend bool operator==(const MenuItem& a, const MenuItem& b);
-
 private:
     // A copy of everything but the children.
     static MenuItem shallowCopy(const MenuItem& other);
 };
+
+// The snapshot of a menu bar: {"app": APP, "menus": [record...]},
+// pretty-printed.
+std::string encodeMenuBar(std::string_view appName, const std::vector<MenuItem>& menus);
 
 // Lets `json.get<MenuItem>()` decode.
 void from_json(const nlohmann::json& object, MenuItem& item);

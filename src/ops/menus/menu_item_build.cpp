@@ -13,6 +13,7 @@
 #include "core/unicode.h"
 #include "ops/menus/menu_item.h"
 #include "ops/menus/menu_reads.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 
@@ -78,14 +79,14 @@ void logAttributeDiagnostics(Platform& p, const Element& element, const std::str
 // container is listed itself. Entries that are elements of `inside` are left
 // out first.
 std::vector<Element> childElements(Platform& p, const Element& element, std::vector<Element>& inside) {
-    auto list = menus::elementList(p.copyAttributeValue(element, "AXChildren"));
+    auto list = menus::elementList(p.copyAttributeValue(element, ax::kChildrenAttribute));
     if (!list) return {};
     menus::leaveOutLoops(*list, inside);
     if (list->size() == 1) {
         const Element& only = list->front();
-        const std::string title = menus::textValue(p.copyAttributeValue(only, "AXTitle")).value_or("");
+        const std::string title = menus::textValue(p.copyAttributeValue(only, ax::kTitleAttribute)).value_or("");
         if (menus::isContainerTitle(title)) {
-            auto inner = platform::asElementArray(p.copyAttributeValue(only, "AXChildren"));
+            auto inner = platform::asElementArray(p.copyAttributeValue(only, ax::kChildrenAttribute));
             if (inner.ok()) {
                 inside.push_back(only);
                 menus::leaveOutLoops(inner.value, inside);
@@ -99,18 +100,18 @@ std::vector<Element> childElements(Platform& p, const Element& element, std::vec
 // Reads one item's own fields into `item` and returns its child elements;
 // `inside` holds the element and what the walk is inside.
 std::vector<Element> readItem(Platform& p, const Element& element, MenuItem& item, std::vector<Element>& inside) {
-    item.title = menus::textValue(p.copyAttributeValue(element, "AXTitle")).value_or(MenuItem::kNoTitle);
+    item.title = menus::textValue(p.copyAttributeValue(element, ax::kTitleAttribute)).value_or(MenuItem::kNoTitle);
 
-    const auto enabled = platform::asBool(p.copyAttributeValue(element, "AXEnabled"));
+    const auto enabled = platform::asBool(p.copyAttributeValue(element, ax::kEnabledAttribute));
     item.enabled = enabled.ok() ? enabled.value : true;
 
-    const auto mark = platform::asString(p.copyAttributeValue(element, "AXMenuItemMarkChar"));
+    const auto mark = platform::asString(p.copyAttributeValue(element, ax::kMenuItemMarkCharAttribute));
     item.checked = mark.ok() && !mark.value.empty();
 
-    auto cmdChar = platform::asString(p.copyAttributeValue(element, "AXMenuItemCmdChar"));
+    auto cmdChar = platform::asString(p.copyAttributeValue(element, ax::kMenuItemCmdCharAttribute));
     if (cmdChar.ok()) item.cmdChar = std::move(cmdChar.value);
 
-    const auto modifiers = platform::asInteger(p.copyAttributeValue(element, "AXMenuItemCmdModifiers"));
+    const auto modifiers = platform::asInteger(p.copyAttributeValue(element, ax::kMenuItemCmdModifiersAttribute));
     if (modifiers.ok()) item.cmdModifiers = modifiers.value;
 
     logAttributeDiagnostics(p, element, item.title);

@@ -5,34 +5,12 @@
 #include "ops/lookup.h"
 #include "ops/menus/menu_item.h"
 #include "ops/menus/menu_reads.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 
 using platform::Element;
 using platform::Platform;
-
-namespace {
-
-// About the length of the pretty-printed snapshot of `menus`, so that the text
-// is allocated once instead of growing through repeated copies (which, for a
-// text of a megabyte, costs several times the writing itself).
-std::size_t estimatedTextSize(const std::vector<MenuItem>& menus) {
-    std::size_t total = 64;
-    std::vector<std::pair<const MenuItem*, std::size_t>> work;  // record, indentation of its members
-    for (const MenuItem& m : menus) work.emplace_back(&m, 6);
-    while (!work.empty()) {
-        const auto [item, indent] = work.back();
-        work.pop_back();
-        total += 8 * (indent + 16) + item->title.size() + item->cmdChar.value_or("").size();
-        for (const std::string& title : item->path) total += indent + 8 + title.size();
-        if (item->children) {
-            for (const MenuItem& child : *item->children) work.emplace_back(&child, indent + 4);
-        }
-    }
-    return total;
-}
-
-}  // namespace
 
 MenuOps::Target MenuOps::resolveApplication(Platform& p, const std::string& appName) {
     std::optional<platform::RunningApp> app = lookup::findApp(appName, lookup::AppMatch::exact);
@@ -41,7 +19,7 @@ MenuOps::Target MenuOps::resolveApplication(Platform& p, const std::string& appN
     target.pid = app->pid;
     target.localizedName = std::move(app->localizedName);
     const Element application = p.createApplicationElement(target.pid);
-    auto menuBar = platform::asElement(p.copyAttributeValue(application, "AXMenuBar"));
+    auto menuBar = platform::asElement(p.copyAttributeValue(application, ax::kMenuBarAttribute));
     if (!menuBar.ok()) throw MenuError::menuBarNotFound();
     target.menuBar = std::move(menuBar.value);
     return target;
@@ -52,7 +30,7 @@ std::string MenuOps::getAppMenusJSON(const std::string& appName) {
     Target target = resolveApplication(p, appName);
     const std::string name = !appName.empty() ? appName : target.localizedName.value_or("Unknown");
 
-    auto items = menus::elementList(p.copyAttributeValue(target.menuBar, "AXChildren"));
+    auto items = menus::elementList(p.copyAttributeValue(target.menuBar, ax::kChildrenAttribute));
     if (!items) {
         std::string out = "{\"app\": \"";
         json::appendEscaped(out, name);
@@ -69,23 +47,13 @@ std::string MenuOps::getAppMenusJSON(const std::string& appName) {
     }
     target.menuBar = Element{};
 
-    json::Writer writer(json::Layout::pretty);
-    writer.reserve(estimatedTextSize(menus));
-    writer.beginObject();
-    writer.key("app");
-    writer.string(name);
-    writer.key("menus");
-    writer.beginArray();
-    for (const MenuItem& menu : menus) menu.encode(writer);
-    writer.endArray();
-    writer.endObject();
-    return writer.take();
+    return encodeMenuBar(name, menus);
 }
 
 Element MenuOps::findChildByTitle(const Element& element, const std::string& title) {
     Platform& p = platform::current();
     auto titled = [&](const Element& candidate) {
-        auto t = platform::asString(p.copyAttributeValue(candidate, "AXTitle"));
+        auto t = platform::asString(p.copyAttributeValue(candidate, ax::kTitleAttribute));
         return t.ok() && text::canonicallyEqual(t.value, title);
     };
     auto firstTitled = [&](std::vector<Element>& list) {
@@ -95,14 +63,14 @@ Element MenuOps::findChildByTitle(const Element& element, const std::string& tit
         return Element{};
     };
 
-    auto children = platform::asElementArray(p.copyAttributeValue(element, "AXChildren"));
-    if (!children.ok() || children.value.empty()) return Element{};
+    auto children = platform::asElementArray(p.copyAttributeValue(element, ax::kChildrenAttribute));
+    if (!children.ok()) return Element{};
     if (children.value.size() == 1) {
         const Element& only = children.value.front();
-        const std::string onlyTitle = menus::textValue(p.copyAttributeValue(only, "AXTitle")).value_or("");
+        const std::string onlyTitle = menus::textValue(p.copyAttributeValue(only, ax::kTitleAttribute)).value_or("");
         if (menus::isContainerTitle(onlyTitle)) {
             p.log("Skipping container layer, searching in its children");
-            auto inner = platform::asElementArray(p.copyAttributeValue(only, "AXChildren"));
+            auto inner = platform::asElementArray(p.copyAttributeValue(only, ax::kChildrenAttribute));
             if (!inner.ok()) return Element{};
             return firstTitled(inner.value);
         }
@@ -124,8 +92,8 @@ Element MenuOps::navigateToMenuItem(const std::string& appName, const std::vecto
 
 void MenuOps::executeMenuItem(const Element& element) {
     Platform& p = platform::current();
-    if (lookup::performed(p.performAction(element, "AXPress"))) return;
-    if (lookup::performed(p.performAction(element, "AXPick"))) return;
+    if (lookup::performed(p.performAction(element, ax::kPressAction))) return;
+    if (lookup::performed(p.performAction(element, ax::kPickAction))) return;
     const platform::NamesRead actions = p.copyActionNames(element);
     if (actions.code == platform::kAXErrorSuccess && actions.names) {
         p.log("Menu item execute failed. Available actions (" + std::to_string(actions.names->size()) + "):");
@@ -150,7 +118,7 @@ bool MenuOps::menuItemExists(const std::string& appName, const std::vector<std::
 bool MenuOps::menuItemEnabled(const std::string& appName, const std::vector<std::string>& menuPath) {
     try {
         const Element item = navigateToMenuItem(appName, menuPath);
-        const auto enabled = platform::asBool(platform::current().copyAttributeValue(item, "AXEnabled"));
+        const auto enabled = platform::asBool(platform::current().copyAttributeValue(item, ax::kEnabledAttribute));
         return enabled.ok() && enabled.value;
     } catch (const MenuError&) {
         return false;

@@ -4,6 +4,7 @@
 #include "core/unicode.h"
 #include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 
@@ -11,29 +12,30 @@ using platform::Element;
 
 void WindowOps::clickButton(const std::string& appName, const std::string& windowName,
                             const std::string& buttonName) {
-    const Element button = findControl(appName, windowName, "AXButton", buttonName, &WindowError::buttonNotFound);
+    const Element button = findControl(appName, windowName, ax::kButtonRole, buttonName, &WindowError::buttonNotFound);
 
     platform::Platform& p = platform::current();
-    if (lookup::performed(p.performAction(button, "AXPress"))) return;
+    if (lookup::performed(p.performAction(button, ax::kPressAction))) return;
     // Some buttons only answer to being picked.
-    if (lookup::performed(p.performAction(button, "AXPick"))) return;
+    if (lookup::performed(p.performAction(button, ax::kPickAction))) return;
     throw WindowError::clickFailed();
 }
 
 void WindowOps::clickCheckbox(const std::string& appName, const std::string& windowName,
                               const std::string& checkboxName) {
     const Element checkbox =
-        findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
-    if (!lookup::performed(platform::current().performAction(checkbox, "AXPress"))) throw WindowError::clickFailed();
+        findControl(appName, windowName, ax::kCheckBoxRole, checkboxName, &WindowError::checkboxNotFound);
+    if (!lookup::performed(platform::current().performAction(checkbox, ax::kPressAction)))
+        throw WindowError::clickFailed();
 }
 
 void WindowOps::setCheckboxValue(const std::string& appName, const std::string& windowName,
                                  const std::string& checkboxName, std::int32_t value) {
     const Element checkbox =
-        findControl(appName, windowName, "AXCheckBox", checkboxName, &WindowError::checkboxNotFound);
+        findControl(appName, windowName, ax::kCheckBoxRole, checkboxName, &WindowError::checkboxNotFound);
     // Written as it stands, even when the checkbox already holds it.
     const platform::SetValue number = static_cast<std::int64_t>(value);
-    if (!lookup::performed(platform::current().setAttributeValue(checkbox, "AXValue", number)))
+    if (!lookup::performed(platform::current().setAttributeValue(checkbox, ax::kValueAttribute, number)))
         throw WindowError::clickFailed();
 }
 

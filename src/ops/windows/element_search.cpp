@@ -6,6 +6,7 @@
 
 #include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 
@@ -19,16 +20,16 @@ std::string readString(const Element& element, std::string_view attribute) {
 }
 
 std::optional<std::string> roleOf(const Element& element) {
-    auto read = platform::asString(platform::current().copyAttributeValue(element, "AXRole"));
+    auto read = platform::asString(platform::current().copyAttributeValue(element, ax::kRoleAttribute));
     if (!read.ok()) return std::nullopt;
     return std::move(read.value);
 }
 
 std::vector<Element> childrenOf(const Element& element) {
-    auto read = platform::asElementArray(platform::current().copyAttributeValue(element, "AXChildren"));
+    auto read = platform::asElementArray(platform::current().copyAttributeValue(element, ax::kChildrenAttribute));
     // An unreadable, absent or wrongly typed list, and a list too long to
     // enter, all count as no children.
-    if (!read.ok() || read.value.empty() || read.value.size() > WindowOps::kMaxChildren) return {};
+    if (!read.ok() || read.value.size() > WindowOps::kMaxChildren) return {};
     return std::move(read.value);
 }
 
@@ -46,7 +47,7 @@ Element WindowOps::findElement(const Element& in, std::string_view role, std::st
                                windows::Trail& inside) {
     if (inside.size() > kMaxDepth) return {};
     if (windows::roleOf(in) == role) {
-        auto title = platform::asString(platform::current().copyAttributeValue(in, "AXTitle"));
+        auto title = platform::asString(platform::current().copyAttributeValue(in, ax::kTitleAttribute));
         if (title.ok() && lookup::softMatch(title.value, name)) return in;
     }
     const std::vector<Element> children = windows::childrenOf(in);
@@ -73,7 +74,7 @@ void WindowOps::collectElements(const Element& in, std::string_view role, std::v
         return;
     }
     if (windows::roleOf(in) == role) {
-        std::string title = windows::readString(in, "AXTitle");
+        std::string title = windows::readString(in, ax::kTitleAttribute);
         if (!title.empty()) {
             p.log("collectElements: Found button '" + title + "'");
             into.push_back(std::move(title));
@@ -93,7 +94,7 @@ std::vector<std::string> WindowOps::getAllButtons(const Element& window) {
     std::vector<std::string> buttons;
     p.log("getAllButtons: Calling collectElements");
     windows::Trail inside;
-    collectElements(window, "AXButton", buttons, inside);
+    collectElements(window, ax::kButtonRole, buttons, inside);
     p.log("getAllButtons: Collection complete, found " + std::to_string(buttons.size()) + " buttons");
     return buttons;
 }

@@ -1,9 +1,11 @@
 // Finding an application by name and one of its windows by title.
+#include "ops/lookup.h"
+
 #include <atomic>
 #include <string>
 
-#include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
+#include "platform/ax_names.h"
 
 namespace zeblo {
 
@@ -27,7 +29,7 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
     const Element appElement = p.createApplicationElement(app.pid);
 
     p.log("getWindow: Calling AXUIElementCopyAttributeValue for kAXWindowsAttribute");
-    auto windows = platform::asElementArray(p.copyAttributeValue(appElement, "AXWindows"));
+    auto windows = platform::asElementArray(p.copyAttributeValue(appElement, ax::kWindowsAttribute));
     p.log("getWindow: AXUIElementCopyAttributeValue result = " + std::to_string(windows.code));
 
     if (windows.status == platform::ReadStatus::failed) {
@@ -59,7 +61,7 @@ Element WindowOps::getWindow(const platform::RunningApp& app, const std::string&
                 p.log("getWindow: Window " + std::to_string(i) + " pointer is nil, skipping");
                 continue;
             }
-            auto title = platform::asString(p.copyAttributeValue(list[i], "AXTitle"));
+            auto title = platform::asString(p.copyAttributeValue(list[i], ax::kTitleAttribute));
             unanswered = unanswered || title.code == platform::kAXErrorCannotComplete;
             if (!title.ok()) continue;
             if (lookup::softMatch(title.value, windowName)) {

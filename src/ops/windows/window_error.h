@@ -1,6 +1,7 @@
-// The errors of the windows area. Each case carries the text the host sees
-// (`description()`), a shorter text used only by the window-buttons export
-// (`shortText()`), and a rendering of case and payload for diagnostic lines
+// The errors of the windows area. Unlike the other typed errors each case has
+// texts of its own: the description the host sees (`description()`) and a
+// shorter text used only by the window-buttons export (`shortText()`); the
+// rendering of case and payload for diagnostic lines is the common one
 // (`debugText()`, e.g. `appNotFound("Nope")` or `timeout`).
 #pragma once
 
@@ -10,19 +11,21 @@
 
 namespace zeblo {
 
-class WindowError : public Error {
-public:
-    enum class Case {
-        appNotFound = 0,
-        windowNotFound = 1,
-        buttonNotFound = 2,
-        checkboxNotFound = 3,
-        noFrontmostApp = 4,
-        clickFailed = 5,
-        closeFailed = 6,
-        timeout = 7,
-    };
+// The cases in declaration order (their texts are in window_error.cpp).
+inline constexpr ErrorCase kWindowErrorCases[] = {
+    {"appNotFound", "application not found"},
+    {"windowNotFound", "window not found"},
+    {"buttonNotFound", "button not found"},
+    {"checkboxNotFound", "check box not found"},
+    {"noFrontmostApp", "no frontmost application"},
+    {"clickFailed", "the press failed"},
+    {"closeFailed", "closing failed"},
+    {"timeout", "timed out"},
+};
+inline constexpr ErrorKind kWindowError{"WindowError", kWindowErrorCases};
 
+class WindowError : public TypedError {
+public:
     static WindowError appNotFound(std::string name) { return {Case::appNotFound, std::move(name)}; }
     static WindowError windowNotFound(std::string name) { return {Case::windowNotFound, std::move(name)}; }
     // A window not found because the application did not answer (a read timed
@@ -39,22 +42,29 @@ public:
     static WindowError closeFailed() { return WindowError(Case::closeFailed); }
     static WindowError timeout() { return WindowError(Case::timeout); }
 
-    Case kind() const noexcept { return case_; }
     // The name that was looked for; empty for the cases without one.
-    const std::string& name() const noexcept { return name_; }
+    const std::string& name() const noexcept { return payload(); }
     // Whether the application left a read of the lookup unanswered.
     bool unanswered() const noexcept { return unanswered_; }
 
     std::string description() const override;
-    std::string debugText() const override;
     // The short form written by zeblo_get_window_buttons, e.g.
     // "Window 'Prefs' not found".
     std::string shortText() const;
 
 private:
-    WindowError(Case c, std::string name = {}) : case_(c), name_(std::move(name)) {}
-    Case case_;
-    std::string name_;
+    enum class Case {
+        appNotFound,
+        windowNotFound,
+        buttonNotFound,
+        checkboxNotFound,
+        noFrontmostApp,
+        clickFailed,
+        closeFailed,
+        timeout,
+    };
+    explicit WindowError(Case c) : TypedError(kWindowError, static_cast<int>(c)) {}
+    WindowError(Case c, std::string name) : TypedError(kWindowError, static_cast<int>(c), std::move(name)) {}
     bool unanswered_ = false;
 };
 

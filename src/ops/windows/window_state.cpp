@@ -3,6 +3,7 @@
 // application and window up afresh on every poll.
 #include "ops/lookup.h"
 #include "ops/windows/window_ops.h"
+#include "platform/ax_names.h"
 #include "platform/deadline.h"
 
 namespace zeblo {
@@ -23,12 +24,12 @@ std::vector<std::string> WindowOps::getWindowTitles(const std::string& appName) 
     if (!app) return {};
 
     const Element appElement = p.createApplicationElement(app->pid);
-    auto windows = platform::asElementArray(p.copyAttributeValue(appElement, "AXWindows"));
+    auto windows = platform::asElementArray(p.copyAttributeValue(appElement, ax::kWindowsAttribute));
     std::vector<std::string> titles;
     if (!windows.ok() || windows.value.size() > kMaxChildren) return titles;
     for (const Element& window : windows.value) {
         if (!window) continue;
-        auto title = platform::asString(p.copyAttributeValue(window, "AXTitle"));
+        auto title = platform::asString(p.copyAttributeValue(window, ax::kTitleAttribute));
         if (title.ok()) titles.push_back(std::move(title.value));  // "" for an untitled window
     }
     return titles;
@@ -72,10 +73,10 @@ void WindowOps::closeOnce(const std::string& appName, const std::string& windowN
     const Element window = findWindow(appName, windowName);
     platform::Platform& p = platform::current();
     // A close button of the wrong kind counts as none.
-    auto button = platform::asElement(p.copyAttributeValue(window, "AXCloseButton"));
+    auto button = platform::asElement(p.copyAttributeValue(window, ax::kCloseButtonAttribute));
     if (!button.ok()) throw WindowError::closeFailed();
     // Whether the window really went is not checked here.
-    if (!lookup::performed(p.performAction(button.value, "AXPress"))) throw WindowError::closeFailed();
+    if (!lookup::performed(p.performAction(button.value, ax::kPressAction))) throw WindowError::closeFailed();
 }
 
 void WindowOps::closeWindow(const std::string& appName, const std::string& windowName,

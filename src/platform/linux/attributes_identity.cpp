@@ -1,4 +1,5 @@
 // Identity attributes: "AXRole", "AXTitle", "AXDescription".
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/attributes.h"
 
@@ -51,16 +52,16 @@ int Reading::childCount() const {
 }
 
 std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXRole") return ok(axRole(r.node));
-    if (attribute == "ZBName") return ok(r.name());
-    if (attribute == "AXPlaceholderValue") {
+    if (attribute == ax::kRoleAttribute) return ok(axRole(r.node));
+    if (attribute == ax::kNameAttribute) return ok(r.name());
+    if (attribute == ax::kPlaceholderValueAttribute) {
         if (!isTextRole(r.role)) return unsupported();
         const HashTable attributes(atspi_accessible_get_attributes(r.object, nullptr));
         const char* hint = attributes ? static_cast<const char*>(g_hash_table_lookup(attributes.get(), "placeholder-text"))
                                       : nullptr;
         return ok(std::string(hint != nullptr ? hint : ""));
     }
-    if (attribute == "AXTitle") {
+    if (attribute == ax::kTitleAttribute) {
         // Labels and texts have their text as value, not as title.
         if (r.role == ATSPI_ROLE_LABEL || r.role == ATSPI_ROLE_STATIC || isTextRole(r.role)) return unsupported();
         if (r.textInChildren()) return ok(std::string());
@@ -78,7 +79,7 @@ std::optional<AttributeRead> readIdentity(const Reading& r, std::string_view att
         if (title.empty() && r.role == ATSPI_ROLE_CHECK_BOX) title = rowNameOf(r.object);
         return ok(std::move(title));
     }
-    if (attribute == "AXDescription") {
+    if (attribute == ax::kDescriptionAttribute) {
         std::string description;
         if (r.item != nullptr) {
             description = r.item->description;

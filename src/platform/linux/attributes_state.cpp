@@ -1,5 +1,6 @@
 // State attributes: "AXEnabled", and menu items' check mark and key
 // equivalent.
+#include "platform/ax_names.h"
 #include "platform/linux/attributes.h"
 #include "platform/linux/key_binding.h"
 
@@ -11,23 +12,23 @@ bool isMenuItemRole(AtspiRole role) {
 }
 
 std::optional<AttributeRead> readState(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXEnabled") return ok(r.has(ATSPI_STATE_SENSITIVE));
-    if (attribute == "AXFocused") return ok(r.has(ATSPI_STATE_FOCUSED));
+    if (attribute == ax::kEnabledAttribute) return ok(r.has(ATSPI_STATE_SENSITIVE));
+    if (attribute == ax::kFocusedAttribute) return ok(r.has(ATSPI_STATE_FOCUSED));
     // Selection and expansion only for the elements that can have them.
-    if (attribute == "AXSelected") return r.has(ATSPI_STATE_SELECTABLE) ? ok(r.has(ATSPI_STATE_SELECTED)) : unsupported();
-    if (attribute == "AXExpanded") return r.has(ATSPI_STATE_EXPANDABLE) ? ok(r.has(ATSPI_STATE_EXPANDED)) : unsupported();
+    if (attribute == ax::kSelectedAttribute) return r.has(ATSPI_STATE_SELECTABLE) ? ok(r.has(ATSPI_STATE_SELECTED)) : unsupported();
+    if (attribute == ax::kExpandedAttribute) return r.has(ATSPI_STATE_EXPANDABLE) ? ok(r.has(ATSPI_STATE_EXPANDED)) : unsupported();
     if (!isMenuItemRole(r.role)) return std::nullopt;
-    if (attribute == "AXMenuItemMarkChar") {
+    if (attribute == ax::kMenuItemMarkCharAttribute) {
         if (r.has(ATSPI_STATE_CHECKED)) return ok(std::string("\xE2\x9C\x93"));  // ✓
         return ok(std::monostate{});
     }
-    if (attribute == "AXMenuItemCmdChar" || attribute == "AXMenuItemCmdModifiers") {
+    if (attribute == ax::kMenuItemCmdCharAttribute || attribute == ax::kMenuItemCmdModifiersAttribute) {
         if (r.role == ATSPI_ROLE_MENU) return ok(std::monostate{});
         const std::string& binding = keyBindingOf(r.node, r.item);
         if (isQtMnemonic(binding, r.name())) return ok(std::monostate{});
         auto key = keyEquivalent(binding);
         if (!key) return ok(std::monostate{});
-        if (attribute == "AXMenuItemCmdChar") return ok(std::move(key->first));
+        if (attribute == ax::kMenuItemCmdCharAttribute) return ok(std::move(key->first));
         return ok(key->second);
     }
     return std::nullopt;

@@ -2,6 +2,7 @@
 // combo box's menu, a window's close button, and the system-wide focus.
 #include <algorithm>
 
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/app_list.h"
 #include "platform/linux/attributes.h"
@@ -105,10 +106,10 @@ AttributeRead menuBar(const Reading& r) {
 }
 
 std::optional<AttributeRead> readApplication(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXWindows") return windows(r);
-    if (attribute == "AXFocusedWindow") return elementOrNoValue(r.platform, focusedWindowOf(r.platform, r.object));
-    if (attribute == "AXMenuBar") return menuBar(r);
-    if (attribute == "ZBMenus") {
+    if (attribute == ax::kWindowsAttribute) return windows(r);
+    if (attribute == ax::kFocusedWindowAttribute) return elementOrNoValue(r.platform, focusedWindowOf(r.platform, r.object));
+    if (attribute == ax::kMenuBarAttribute) return menuBar(r);
+    if (attribute == ax::kMenusAttribute) {
         // The application's shown pop-up menus in windows of their own (a
         // context menu); everything in them is seen.
         std::vector<Element> menus;
@@ -117,7 +118,7 @@ std::optional<AttributeRead> readApplication(const Reading& r, std::string_view 
         }
         return ok(std::move(menus));
     }
-    if (attribute == "AXFocusedUIElement") {
+    if (attribute == ax::kFocusedUIElementAttribute) {
         return elementOrNoValue(r.platform, focusedElementOf(r.platform, r.object));
     }
     return unsupported();
@@ -126,24 +127,24 @@ std::optional<AttributeRead> readApplication(const Reading& r, std::string_view 
 }  // namespace
 
 std::optional<AttributeRead> readTree(const Reading& r, std::string_view attribute) {
-    if (attribute == "AXChildren") return children(r, false);
-    if (attribute == "ZBAllChildren") return children(r, true);
-    if (attribute == "ZBVisible") return ok(r.node.shown.value_or(true));
+    if (attribute == ax::kChildrenAttribute) return children(r, false);
+    if (attribute == ax::kAllChildrenAttribute) return children(r, true);
+    if (attribute == ax::kVisibleAttribute) return ok(r.node.shown.value_or(true));
     if (r.role == ATSPI_ROLE_APPLICATION) return readApplication(r, attribute);
-    if (attribute == "AXMenu" && r.role == ATSPI_ROLE_COMBO_BOX) {
+    if (attribute == ax::kMenuAttribute && r.role == ATSPI_ROLE_COMBO_BOX) {
         // GTK's popup is a menu, Qt's a list.
         AccessibleRef menu = findByRole(r.object, ATSPI_ROLE_MENU);
         if (!menu) menu = findByRole(r.object, ATSPI_ROLE_LIST);
         return elementOrNoValue(r.platform, std::move(menu), Sight::everything);
     }
-    if (attribute == "AXCloseButton" && isWindowRole(r.role)) {
+    if (attribute == ax::kCloseButtonAttribute && isWindowRole(r.role)) {
         return ok(r.platform.wrap(AccessibleRef::retain(r.object), Node::Kind::closeButton));
     }
     return std::nullopt;
 }
 
 AttributeRead readSystemWide(LinuxPlatform& p, std::string_view attribute) {
-    if (attribute != "AXFocusedUIElement") return unsupported();
+    if (attribute != ax::kFocusedUIElementAttribute) return unsupported();
     // The focused element of the frontmost application's focused window.
     const std::optional<std::int32_t> pid = p.session().activeWindowPid();
     const AccessibleRef app = pid ? p.findApplication(*pid) : AccessibleRef();

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/unicode.h"
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/attributes.h"
 
@@ -77,7 +78,7 @@ std::optional<std::string> ownText(const Reading& r) {
 }  // namespace
 
 std::optional<AttributeRead> readValue(const Reading& r, std::string_view attribute) {
-    if (attribute != "AXValue") return std::nullopt;
+    if (attribute != ax::kValueAttribute) return std::nullopt;
     const AtspiRole role = r.role;
     if (isToggleRole(role)) {
         if (r.has(ATSPI_STATE_INDETERMINATE)) return ok(std::int64_t{2});

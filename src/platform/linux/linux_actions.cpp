@@ -6,6 +6,7 @@
 #include <chrono>
 #include <initializer_list>
 
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/reply_limit.h"
@@ -298,9 +299,9 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
     try {
         if (n->kind == Node::Kind::accessible) {
             AtspiAccessible* object = n->object.get();
-            if (action == "AXShowMenu") return showMenu(*this, object);
-            if (action == "AXIncrement" || action == "AXDecrement") return step(object, action == "AXIncrement" ? 1 : -1);
-            if (action == "AXScrollToVisible") {
+            if (action == ax::kShowMenuAction) return showMenu(*this, object);
+            if (action == ax::kIncrementAction || action == ax::kDecrementAction) return step(object, action == ax::kIncrementAction ? 1 : -1);
+            if (action == ax::kScrollToVisibleAction) {
                 const Ref<AtspiComponent> component =
                     Ref<AtspiComponent>::adopt(atspi_accessible_get_component_iface(object));
                 if (!component) return kAXErrorActionUnsupported;
@@ -309,7 +310,7 @@ AXError LinuxPlatform::performAction(const Element& element, std::string_view ac
                 return error ? kAXErrorFailure : done ? kAXErrorSuccess : kAXErrorFailure;
             }
         }
-        if (action != "AXPress" && action != "AXPick") return kAXErrorActionUnsupported;
+        if (action != ax::kPressAction && action != ax::kPickAction) return kAXErrorActionUnsupported;
         switch (n->kind) {
             case Node::Kind::closeButton: return closeWindow(*this, n->object.get());
             case Node::Kind::accessible: return pressOrTwin(*this, n->object.get());
@@ -324,7 +325,7 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
     const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
-    if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{"AXPress"}};
+    if (n->kind == Node::Kind::closeButton) return {kAXErrorSuccess, std::vector<std::string>{ax::kPressAction}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, std::vector<std::string>{}};
     // A walk's elements read their action names from its survey, all in
     // one batch.
@@ -339,10 +340,10 @@ NamesRead LinuxPlatform::copyActionNames(const Element& element) {
         bool menu = false;
         for (const char* m : kMenuActions) menu = menu || g_ascii_strcasecmp(name.c_str(), m) == 0;
         if (isPressName(name)) {
-            if (!pressListed) out.emplace_back("AXPress");
+            if (!pressListed) out.emplace_back(ax::kPressAction);
             pressListed = true;
         } else if (menu) {
-            out.emplace_back("AXShowMenu");
+            out.emplace_back(ax::kShowMenuAction);
         } else {
             out.push_back(std::move(name));
         }
@@ -358,15 +359,15 @@ AXError LinuxPlatform::setAttributeValue(const Element& element, std::string_vie
     try {
         if (const auto* flag = std::get_if<bool>(&value)) {
             AtspiAccessible* object = n->object.get();
-            if (attribute == "AXFocused") return *flag ? focus(*this, object) : kAXErrorAttributeUnsupported;
-            if (attribute == "AXSelected") return *flag ? select(object) : kAXErrorAttributeUnsupported;
-            if (attribute == "AXExpanded") return expand(*this, object, *flag);
+            if (attribute == ax::kFocusedAttribute) return *flag ? focus(*this, object) : kAXErrorAttributeUnsupported;
+            if (attribute == ax::kSelectedAttribute) return *flag ? select(object) : kAXErrorAttributeUnsupported;
+            if (attribute == ax::kExpandedAttribute) return expand(*this, object, *flag);
             return kAXErrorAttributeUnsupported;
         }
     } catch (...) {
         return kAXErrorFailure;
     }
-    if (attribute != "AXValue") return kAXErrorAttributeUnsupported;
+    if (attribute != ax::kValueAttribute) return kAXErrorAttributeUnsupported;
     const AtspiRole role = roleOf(*n);
     if (const auto* text = std::get_if<std::string>(&value)) {
         if (!isTextRole(role)) return kAXErrorAttributeUnsupported;
@@ -415,7 +416,7 @@ SettableRead LinuxPlatform::isAttributeSettable(const Element& element, std::str
     const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, false};
-    if (n->kind != Node::Kind::accessible || attribute != "AXValue") return {kAXErrorSuccess, false};
+    if (n->kind != Node::Kind::accessible || attribute != ax::kValueAttribute) return {kAXErrorSuccess, false};
     const AtspiRole role = roleOf(*n);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, false};
     if (isToggleRole(role)) return {kAXErrorSuccess, hasState(n->object.get(), ATSPI_STATE_SENSITIVE)};

@@ -3,6 +3,7 @@
 // mapping from AT-SPI roles, states and interfaces to the attribute names the
 // library reads is in docs/linux-backend.md.
 #include "platform/linux/accessible.h"
+#include "platform/ax_names.h"
 #include "platform/linux/attributes.h"
 
 namespace zeblo::platform::linux_desktop {
@@ -11,8 +12,8 @@ AttributeRead LinuxPlatform::readAttribute(Node& node, std::string_view attribut
     if (node.kind == Node::Kind::application && !node.object) return {kAXErrorCannotComplete, {}};
     if (node.kind == Node::Kind::systemWide) return readSystemWide(*this, attribute);
     if (node.kind == Node::Kind::closeButton) {
-        if (attribute == "AXRole") return ok(std::string("AXButton"));
-        if (attribute == "AXEnabled") return ok(true);
+        if (attribute == ax::kRoleAttribute) return ok(std::string(ax::kButtonRole));
+        if (attribute == ax::kEnabledAttribute) return ok(true);
         return unsupported();
     }
 
@@ -57,25 +58,30 @@ NamesRead LinuxPlatform::copyAttributeNames(const Element& element) {
     const auto locked = guard();
     Node* n = node(element);
     if (n == nullptr) return {kAXErrorIllegalArgument, std::nullopt};
-    std::vector<std::string> names{"AXRole"};
-    if (n->kind == Node::Kind::systemWide) return {kAXErrorSuccess, std::vector<std::string>{"AXFocusedUIElement"}};
+    std::vector<std::string> names{ax::kRoleAttribute};
+    if (n->kind == Node::Kind::systemWide)
+        return {kAXErrorSuccess, std::vector<std::string>{ax::kFocusedUIElementAttribute}};
     if (n->kind != Node::Kind::accessible) return {kAXErrorSuccess, names};
     const AtspiRole role = roleOf(*n);
     if (role == ATSPI_ROLE_INVALID) return {kAXErrorInvalidUIElement, std::nullopt};
-    for (const char* name : {"AXTitle", "AXDescription", "AXEnabled", "AXChildren"}) names.emplace_back(name);
+    for (const char* name :
+         {ax::kTitleAttribute, ax::kDescriptionAttribute, ax::kEnabledAttribute, ax::kChildrenAttribute})
+        names.emplace_back(name);
     if (isToggleRole(role) || isTextRole(role) || isTextBlockRole(role) || role == ATSPI_ROLE_LABEL ||
         role == ATSPI_ROLE_COMBO_BOX)
-        names.emplace_back("AXValue");
+        names.emplace_back(ax::kValueAttribute);
     if (role == ATSPI_ROLE_APPLICATION) {
-        for (const char* name : {"AXWindows", "AXFocusedWindow", "AXMenuBar", "AXFocusedUIElement"})
+        for (const char* name : {ax::kWindowsAttribute, ax::kFocusedWindowAttribute, ax::kMenuBarAttribute,
+                                 ax::kFocusedUIElementAttribute})
             names.emplace_back(name);
     }
     if (isMenuItemRole(role)) {
-        for (const char* name : {"AXMenuItemMarkChar", "AXMenuItemCmdChar", "AXMenuItemCmdModifiers"})
+        for (const char* name :
+             {ax::kMenuItemMarkCharAttribute, ax::kMenuItemCmdCharAttribute, ax::kMenuItemCmdModifiersAttribute})
             names.emplace_back(name);
     }
-    if (role == ATSPI_ROLE_COMBO_BOX) names.emplace_back("AXMenu");
-    if (isWindowRole(role)) names.emplace_back("AXCloseButton");
+    if (role == ATSPI_ROLE_COMBO_BOX) names.emplace_back(ax::kMenuAttribute);
+    if (isWindowRole(role)) names.emplace_back(ax::kCloseButtonAttribute);
     return {kAXErrorSuccess, std::move(names)};
 }
 

@@ -3,6 +3,7 @@
 // whose name depends on where the element stands or what it holds.
 #include <string_view>
 
+#include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
 #include "platform/linux/linux_platform.h"
 
@@ -15,57 +16,55 @@ struct RoleName {
     const char* name;
 };
 
-constexpr const char* kWindow = "AXWindow";
-
 // Menus, menu items, lists, combo boxes, texts and entries are named in axRole: their name
 // depends on their parent, their content or their state.
 constexpr RoleName kRoles[] = {
-    {ATSPI_ROLE_APPLICATION, "AXApplication"},
-    {ATSPI_ROLE_FRAME, kWindow},
-    {ATSPI_ROLE_DIALOG, kWindow},
-    {ATSPI_ROLE_FILE_CHOOSER, kWindow},
-    {ATSPI_ROLE_ALERT, kWindow},
-    {ATSPI_ROLE_COLOR_CHOOSER, kWindow},
-    {ATSPI_ROLE_WINDOW, kWindow},
-    {ATSPI_ROLE_MENU_BAR, "AXMenuBar"},
-    {ATSPI_ROLE_POPUP_MENU, "AXMenu"},
-    {ATSPI_ROLE_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_CHECK_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_RADIO_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_TEAROFF_MENU_ITEM, "AXMenuItem"},
-    {ATSPI_ROLE_PUSH_BUTTON, "AXButton"},
-    {ATSPI_ROLE_PUSH_BUTTON_MENU, "AXButton"},
-    {ATSPI_ROLE_CHECK_BOX, "AXCheckBox"},
-    {ATSPI_ROLE_TOGGLE_BUTTON, "AXCheckBox"},
-    {ATSPI_ROLE_RADIO_BUTTON, "AXRadioButton"},
-    {ATSPI_ROLE_PASSWORD_TEXT, "AXSecureTextField"},
-    {ATSPI_ROLE_LABEL, "AXStaticText"},
-    {ATSPI_ROLE_STATIC, "AXStaticText"},
-    {ATSPI_ROLE_SLIDER, "AXSlider"},
-    {ATSPI_ROLE_SPIN_BUTTON, "AXTextField"},
-    {ATSPI_ROLE_SCROLL_BAR, "AXScrollBar"},
-    {ATSPI_ROLE_PROGRESS_BAR, "AXProgressIndicator"},
-    {ATSPI_ROLE_PAGE_TAB_LIST, "AXTabGroup"},
-    {ATSPI_ROLE_PAGE_TAB, "AXRadioButton"},
-    {ATSPI_ROLE_TABLE, "AXTable"},
-    {ATSPI_ROLE_TREE_TABLE, "AXOutline"},
-    {ATSPI_ROLE_TREE, "AXOutline"},
-    {ATSPI_ROLE_LIST, "AXList"},
-    {ATSPI_ROLE_LIST_BOX, "AXList"},
-    {ATSPI_ROLE_IMAGE, "AXImage"},
-    {ATSPI_ROLE_LINK, "AXLink"},
-    {ATSPI_ROLE_SCROLL_PANE, "AXScrollArea"},
-    {ATSPI_ROLE_TOOL_BAR, "AXToolbar"},
-    {ATSPI_ROLE_SEPARATOR, "AXSplitter"},
-    {ATSPI_ROLE_FILLER, "AXGroup"},
-    {ATSPI_ROLE_PANEL, "AXGroup"},
-    {ATSPI_ROLE_HEADING, "AXHeading"},
-    {ATSPI_ROLE_SECTION, "AXGroup"},
-    {ATSPI_ROLE_BLOCK_QUOTE, "AXGroup"},
-    {ATSPI_ROLE_LIST_ITEM, "AXGroup"},
-    {ATSPI_ROLE_ARTICLE, "AXGroup"},
-    {ATSPI_ROLE_CAPTION, "AXGroup"},
-    {ATSPI_ROLE_DOCUMENT_WEB, "AXWebArea"},
+    {ATSPI_ROLE_APPLICATION, ax::kApplicationRole},
+    {ATSPI_ROLE_FRAME, ax::kWindowRole},
+    {ATSPI_ROLE_DIALOG, ax::kWindowRole},
+    {ATSPI_ROLE_FILE_CHOOSER, ax::kWindowRole},
+    {ATSPI_ROLE_ALERT, ax::kWindowRole},
+    {ATSPI_ROLE_COLOR_CHOOSER, ax::kWindowRole},
+    {ATSPI_ROLE_WINDOW, ax::kWindowRole},
+    {ATSPI_ROLE_MENU_BAR, ax::kMenuBarRole},
+    {ATSPI_ROLE_POPUP_MENU, ax::kMenuRole},
+    {ATSPI_ROLE_MENU_ITEM, ax::kMenuItemRole},
+    {ATSPI_ROLE_CHECK_MENU_ITEM, ax::kMenuItemRole},
+    {ATSPI_ROLE_RADIO_MENU_ITEM, ax::kMenuItemRole},
+    {ATSPI_ROLE_TEAROFF_MENU_ITEM, ax::kMenuItemRole},
+    {ATSPI_ROLE_PUSH_BUTTON, ax::kButtonRole},
+    {ATSPI_ROLE_PUSH_BUTTON_MENU, ax::kButtonRole},
+    {ATSPI_ROLE_CHECK_BOX, ax::kCheckBoxRole},
+    {ATSPI_ROLE_TOGGLE_BUTTON, ax::kCheckBoxRole},
+    {ATSPI_ROLE_RADIO_BUTTON, ax::kRadioButtonRole},
+    {ATSPI_ROLE_PASSWORD_TEXT, ax::kSecureTextFieldRole},
+    {ATSPI_ROLE_LABEL, ax::kStaticTextRole},
+    {ATSPI_ROLE_STATIC, ax::kStaticTextRole},
+    {ATSPI_ROLE_SLIDER, ax::kSliderRole},
+    {ATSPI_ROLE_SPIN_BUTTON, ax::kTextFieldRole},
+    {ATSPI_ROLE_SCROLL_BAR, ax::kScrollBarRole},
+    {ATSPI_ROLE_PROGRESS_BAR, ax::kProgressIndicatorRole},
+    {ATSPI_ROLE_PAGE_TAB_LIST, ax::kTabGroupRole},
+    {ATSPI_ROLE_PAGE_TAB, ax::kRadioButtonRole},
+    {ATSPI_ROLE_TABLE, ax::kTableRole},
+    {ATSPI_ROLE_TREE_TABLE, ax::kOutlineRole},
+    {ATSPI_ROLE_TREE, ax::kOutlineRole},
+    {ATSPI_ROLE_LIST, ax::kListRole},
+    {ATSPI_ROLE_LIST_BOX, ax::kListRole},
+    {ATSPI_ROLE_IMAGE, ax::kImageRole},
+    {ATSPI_ROLE_LINK, ax::kLinkRole},
+    {ATSPI_ROLE_SCROLL_PANE, ax::kScrollAreaRole},
+    {ATSPI_ROLE_TOOL_BAR, ax::kToolbarRole},
+    {ATSPI_ROLE_SEPARATOR, ax::kSplitterRole},
+    {ATSPI_ROLE_FILLER, ax::kGroupRole},
+    {ATSPI_ROLE_PANEL, ax::kGroupRole},
+    {ATSPI_ROLE_HEADING, ax::kHeadingRole},
+    {ATSPI_ROLE_SECTION, ax::kGroupRole},
+    {ATSPI_ROLE_BLOCK_QUOTE, ax::kGroupRole},
+    {ATSPI_ROLE_LIST_ITEM, ax::kGroupRole},
+    {ATSPI_ROLE_ARTICLE, ax::kGroupRole},
+    {ATSPI_ROLE_CAPTION, ax::kGroupRole},
+    {ATSPI_ROLE_DOCUMENT_WEB, ax::kWebAreaRole},
 };
 
 // The table's name for `role`, or null.
@@ -91,7 +90,7 @@ AtspiRole parentRoleOf(const Node& node, const Survey::Item* item) {
 
 bool isWindowRole(AtspiRole role) {
     const char* name = tableName(role);
-    return name != nullptr && std::string_view(name) == kWindow;
+    return name != nullptr && std::string_view(name) == ax::kWindowRole;
 }
 
 AtspiRole roleOf(Node& node, bool* answered) {
@@ -119,8 +118,8 @@ AtspiRole roleOf(Node& node, bool* answered) {
 }
 
 std::string axRole(Node& node) {
-    if (node.kind == Node::Kind::closeButton) return "AXButton";
-    if (node.kind == Node::Kind::application) return "AXApplication";
+    if (node.kind == Node::Kind::closeButton) return ax::kButtonRole;
+    if (node.kind == Node::Kind::application) return ax::kApplicationRole;
     const AtspiRole role = roleOf(node);
     const Survey::Item* item = lastKnown(node);
     if (role == ATSPI_ROLE_MENU || role == ATSPI_ROLE_MENU_ITEM || role == ATSPI_ROLE_LIST) {
@@ -128,22 +127,22 @@ std::string axRole(Node& node) {
         // combo box's menu (GTK) or list (Qt) is a menu; a submenu is an item
         // of its parent menu.
         const AtspiRole parentRole = parentRoleOf(node, item);
-        if (parentRole == ATSPI_ROLE_MENU_BAR && role != ATSPI_ROLE_LIST) return "AXMenuBarItem";
-        if (parentRole == ATSPI_ROLE_COMBO_BOX && role != ATSPI_ROLE_MENU_ITEM) return "AXMenu";
-        if (role == ATSPI_ROLE_MENU) return "AXMenuItem";
+        if (parentRole == ATSPI_ROLE_MENU_BAR && role != ATSPI_ROLE_LIST) return ax::kMenuBarItemRole;
+        if (parentRole == ATSPI_ROLE_COMBO_BOX && role != ATSPI_ROLE_MENU_ITEM) return ax::kMenuRole;
+        if (role == ATSPI_ROLE_MENU) return ax::kMenuItemRole;
     }
     if (role == ATSPI_ROLE_COMBO_BOX) {
         // Editable combo boxes hold an entry.
         if (const auto entry = item != nullptr ? node.survey->hasDescendant(*item, ATSPI_ROLE_TEXT) : std::nullopt) {
-            return *entry ? "AXComboBox" : "AXPopUpButton";
+            return *entry ? ax::kComboBoxRole : ax::kPopUpButtonRole;
         }
-        return findByRole(node.object.get(), ATSPI_ROLE_TEXT) ? "AXComboBox" : "AXPopUpButton";
+        return findByRole(node.object.get(), ATSPI_ROLE_TEXT) ? ax::kComboBoxRole : ax::kPopUpButtonRole;
     }
     if (role == ATSPI_ROLE_PARAGRAPH || role == ATSPI_ROLE_DOCUMENT_TEXT) {
         // The paragraphs of a document being edited (a word processor's)
         // are where typed text goes; a web page's are blocks of text.
         const std::uint64_t states = item != nullptr ? item->states : statesOf(node.object.get()).value_or(0);
-        return ((states >> ATSPI_STATE_EDITABLE) & 1) != 0 ? "AXTextArea" : "AXGroup";
+        return ((states >> ATSPI_STATE_EDITABLE) & 1) != 0 ? ax::kTextAreaRole : ax::kGroupRole;
     }
     if (role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY) {
         // GTK marks its entries single-line and its text views multi-line;
@@ -151,10 +150,10 @@ std::string axRole(Node& node) {
         const std::uint64_t states = item != nullptr ? item->states : statesOf(node.object.get()).value_or(0);
         const bool multiLine =
             ((states >> ATSPI_STATE_MULTI_LINE) & 1) != 0 && ((states >> ATSPI_STATE_SINGLE_LINE) & 1) == 0;
-        return multiLine ? "AXTextArea" : "AXTextField";
+        return multiLine ? ax::kTextAreaRole : ax::kTextFieldRole;
     }
     const char* name = tableName(role);
-    return name != nullptr ? name : "AXUnknown";
+    return name != nullptr ? name : ax::kUnknownRole;
 }
 
 }  // namespace zeblo::platform::linux_desktop

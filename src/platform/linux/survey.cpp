@@ -1,99 +1,30 @@
-// The bulk read behind a walk: Cache.GetItems on the application and one
-// Collection match under the walk's root.
+// Taking a survey: Cache.GetItems on the application (or a read level by
+// level) and one Collection match under the walk's root, the child lists
+// linked and completed, and what the survey knows of an object. The tables
+// filled on demand are in survey_tables.cpp, the messages' layout in
+// survey_wire.cpp.
 #include "platform/linux/survey.h"
 
 #include <dbus/dbus.h>
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <utility>
 
 #include "platform/linux/accessible.h"
 #include "platform/linux/bus_batch.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/linux/survey_wire.h"
 
 namespace zeblo::platform::linux_desktop {
 
 namespace {
-
-// The reply of GetItems since AT-SPI 2.34: for every object its reference,
-// its application's and parent's references, index in parent, child count,
-// interfaces, name, role, description and the two words of its state set.
-constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
-constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
-
-// Reads an "(so)" reference at `it` and advances past it; gives the path.
-std::string readReference(DBusMessageIter* it) {
-    DBusMessageIter ref;
-    dbus_message_iter_recurse(it, &ref);
-    dbus_message_iter_next(&ref);  // the bus name
-    const char* path = nullptr;
-    dbus_message_iter_get_basic(&ref, &path);
-    dbus_message_iter_next(it);
-    return path != nullptr ? path : "";
-}
-
-template <class T>
-T readBasic(DBusMessageIter* it) {
-    T value{};
-    dbus_message_iter_get_basic(it, &value);
-    dbus_message_iter_next(it);
-    return value;
-}
-
-std::string readString(DBusMessageIter* it) {
-    const char* text = readBasic<const char*>(it);
-    return text != nullptr ? text : "";
-}
-
-// The calls that read one object without GetItems: what GetItems gives of
-// it, and its child list (the last).
-constexpr std::size_t kCallsPerObject = 6;
-
-void appendObjectCalls(std::vector<Message>& calls, const char* bus, const char* path) {
-    calls.push_back(methodCall(bus, path, kAccessible, "GetRole"));
-    calls.push_back(propertyCall(bus, path, kAccessible, "Name"));
-    calls.push_back(propertyCall(bus, path, kAccessible, "Description"));
-    calls.push_back(methodCall(bus, path, kAccessible, "GetState"));
-    calls.push_back(methodCall(bus, path, kAccessible, "GetInterfaces"));
-    calls.push_back(methodCall(bus, path, kAccessible, "GetChildren"));
-}
-
-// The item the answers to appendObjectCalls' calls describe (its parent and
-// children not set), or nothing when the object is gone or answers oddly.
-std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
-    dbus_uint32_t role = 0;
-    const char* name = stringAnswer(answer[1]);
-    const char* description = stringAnswer(answer[2]);
-    const auto states = uint32sAnswer(answer[3]);
-    const auto interfaces = stringsAnswer(answer[4]);
-    if (!uint32Answer(answer[0], &role) || name == nullptr || description == nullptr || !states || !interfaces) {
-        return std::nullopt;
-    }
-    Survey::Item item;
-    item.role = static_cast<AtspiRole>(role);
-    item.name = name;
-    item.description = description;
-    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
-        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
-    }
-    for (const std::string& interface : *interfaces) {
-        item.hasAction |= interface == "org.a11y.atspi.Action";
-        item.hasText |= interface == "org.a11y.atspi.Text";
-        item.hasComponent |= interface == "org.a11y.atspi.Component";
-        item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
-    }
-    item.childCount = -1;
-    return item;
-}
 
 // How far a survey read level by level goes: objects below are read live.
 constexpr int kMaxLevels = 64;
 constexpr std::size_t kMaxLevelObjects = 4096;
 
 }  // namespace
-
 
 std::shared_ptr<const Survey> Survey::take(AtspiAccessible* root, std::uint64_t generation) {
     if (root == nullptr || busOf(root) == nullptr) return nullptr;
@@ -115,46 +46,9 @@ bool Survey::read(AtspiAccessible* root) {
     busName_ = busOf(root);
     std::vector<Message> call;
     call.push_back(methodCall(busName_.c_str(), "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"));
-    const Message answer = std::move(callAll(bus_, call).front());
-    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return false;
-    const char* signature = dbus_message_get_signature(answer.get());
-    if (signature == nullptr || std::strcmp(signature, kItemsSignature) != 0) {
-        return false;  // an older or newer layout: the walk reads live
-    }
-    DBusMessage* reply = answer.get();
-    DBusMessageIter it, array;
-    dbus_message_iter_init(reply, &it);
-    dbus_message_iter_recurse(&it, &array);
-    while (dbus_message_iter_get_arg_type(&array) == DBUS_TYPE_STRUCT) {
-        DBusMessageIter field;
-        dbus_message_iter_recurse(&array, &field);
-        std::string path = readReference(&field);
-        readReference(&field);  // the application
-        Item item;
-        item.parentPath = readReference(&field);
-        readBasic<dbus_int32_t>(&field);  // the index in the parent
-        item.childCount = readBasic<dbus_int32_t>(&field);
-        DBusMessageIter interfaces;
-        dbus_message_iter_recurse(&field, &interfaces);
-        while (dbus_message_iter_get_arg_type(&interfaces) == DBUS_TYPE_STRING) {
-            const std::string interface = readString(&interfaces);
-            item.hasAction |= interface == "org.a11y.atspi.Action";
-            item.hasText |= interface == "org.a11y.atspi.Text";
-            item.hasComponent |= interface == "org.a11y.atspi.Component";
-            item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
-        }
-        dbus_message_iter_next(&field);
-        item.name = readString(&field);
-        item.role = static_cast<AtspiRole>(readBasic<dbus_uint32_t>(&field));
-        item.description = readString(&field);
-        DBusMessageIter states;
-        dbus_message_iter_recurse(&field, &states);
-        for (int word = 0; word < 2 && dbus_message_iter_get_arg_type(&states) == DBUS_TYPE_UINT32; ++word) {
-            item.states |= std::uint64_t{readBasic<dbus_uint32_t>(&states)} << (32 * word);
-        }
-        items_.insert_or_assign(std::move(path), std::move(item));
-        dbus_message_iter_next(&array);
-    }
+    auto items = decodeItems(callAll(bus_, call).front());
+    if (!items) return false;  // no answer, or an older or newer layout: the walk reads live
+    for (auto& [path, item] : *items) items_.insert_or_assign(std::move(path), std::move(item));
     return true;
 }
 
@@ -199,7 +93,7 @@ void Survey::linkChildren(AtspiAccessible* root) {
     std::vector<Message> calls;
     calls.reserve(open.size());
     for (const std::string* path : open) {
-        calls.push_back(methodCall(busName_.c_str(), path->c_str(), kAccessible, "GetChildren"));
+        calls.push_back(methodCall(busName_.c_str(), path->c_str(), kAccessibleInterface, "GetChildren"));
     }
     const std::vector<Message> lists = callAll(bus_, calls);
     for (std::size_t i = 0; i < open.size(); ++i) takeChildren(*open[i], items_[*open[i]], lists[i]);
@@ -320,149 +214,6 @@ const Survey::Item* Survey::find(AtspiAccessible* object) const {
         found = items_.find(path);
     }
     return found != items_.end() ? &found->second : nullptr;
-}
-
-const std::string* Survey::lookUp(AtspiAccessible* object, std::optional<ByPath>& table,
-                                  void (Survey::*read)() const) const {
-    const Item* item = find(object);
-    if (item == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
-    if (!table) (this->*read)();
-    const auto found = table->find(pathOf(object));
-    return found != table->end() ? &found->second : nullptr;
-}
-
-void Survey::askEach(const std::vector<const std::string*>& asked, const char* interface, const char* member,
-                     std::initializer_list<dbus_int32_t> arguments, ByPath& into) const {
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    for (const std::string* path : asked) {
-        Message call = methodCall(busName_.c_str(), path->c_str(), interface, member);
-        for (const dbus_int32_t argument : arguments) {
-            if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &argument, DBUS_TYPE_INVALID)) {
-                call.reset();
-            }
-        }
-        calls.push_back(std::move(call));
-    }
-    const std::vector<Message> answers = callAll(bus_, calls);
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (const char* answer = stringAnswer(answers[i])) into.emplace(*asked[i], answer);
-    }
-}
-
-const std::string* Survey::keyBinding(AtspiAccessible* object) const {
-    return lookUp(object, keyBindings_, &Survey::readKeyBindings);
-}
-
-void Survey::readKeyBindings() const {
-    // The first action's binding of every menu item under the root; items
-    // without the Action interface have none.
-    keyBindings_.emplace();
-    std::vector<const std::string*> asked;
-    for (const auto& [path, object] : under_) {
-        const auto item = items_.find(path);
-        if (item == items_.end()) continue;
-        const AtspiRole role = item->second.role;
-        if (role != ATSPI_ROLE_MENU_ITEM && role != ATSPI_ROLE_CHECK_MENU_ITEM && role != ATSPI_ROLE_RADIO_MENU_ITEM)
-            continue;
-        if (item->second.hasAction) {
-            asked.push_back(&path);
-        } else {
-            keyBindings_->emplace(path, std::string());
-        }
-    }
-    askEach(asked, "org.a11y.atspi.Action", "GetKeyBinding", {0}, *keyBindings_);
-}
-
-const std::string* Survey::text(AtspiAccessible* object) const {
-    return lookUp(object, texts_, &Survey::readTexts);
-}
-
-void Survey::readTexts() const {
-    // Every object under the root whose value is its text, the uncached ones
-    // included (a label in a list row, for one).
-    if (!completed_) complete();
-    texts_.emplace();
-    std::vector<const std::string*> asked;
-    for (const auto& [path, object] : under_) {
-        const auto item = items_.find(path);
-        if (item == items_.end() || !item->second.hasText) continue;
-        const AtspiRole role = item->second.role;
-        if (isTextRole(role) || isTextBlockRole(role) || role == ATSPI_ROLE_LABEL || role == ATSPI_ROLE_STATIC) {
-            asked.push_back(&path);
-        }
-    }
-    askEach(asked, "org.a11y.atspi.Text", "GetText", {0, -1}, *texts_);  // from the start to the end
-}
-
-std::optional<Size> Survey::size(AtspiAccessible* object) const {
-    const std::optional<Box> known = box(object);
-    return known ? std::optional<Size>(Size{known->width, known->height}) : std::nullopt;
-}
-
-std::optional<Box> Survey::box(AtspiAccessible* object) const {
-    if (find(object) == nullptr) return std::nullopt;
-    if (!sizes_) readSizes();
-    const auto found = sizes_->find(pathOf(object));
-    return found != sizes_->end() ? std::optional<Box>(found->second) : std::nullopt;
-}
-
-void Survey::readSizes() const {
-    // The extents of every object the survey knows with the Component
-    // interface, in window coordinates (GTK 4 gives no others on X11).
-    if (!completed_) complete();
-    sizes_.emplace();
-    std::vector<const std::string*> asked;
-    for (const auto& [path, item] : items_) {
-        if (item.hasComponent) asked.push_back(&path);
-    }
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    const dbus_uint32_t window = ATSPI_COORD_TYPE_WINDOW;
-    for (const std::string* path : asked) {
-        Message call = methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Component", "GetExtents");
-        if (call && !dbus_message_append_args(call.get(), DBUS_TYPE_UINT32, &window, DBUS_TYPE_INVALID)) call.reset();
-        calls.push_back(std::move(call));
-    }
-    const std::vector<Message> answers = callAll(bus_, calls);
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (const auto box = rectangleAnswer(answers[i])) {
-            sizes_->emplace(*asked[i], Box{(*box)[0], (*box)[1], (*box)[2], (*box)[3]});
-        }
-    }
-}
-
-const std::vector<std::string>* Survey::actions(AtspiAccessible* object) const {
-    if (find(object) == nullptr || under_.count(pathOf(object)) == 0) return nullptr;
-    if (!actions_) readActions();
-    const auto found = actions_->find(pathOf(object));
-    return found != actions_->end() ? &found->second : nullptr;
-}
-
-void Survey::readActions() const {
-    // The action names of every object under the root with the Action
-    // interface, in one batch; the others have none.
-    if (!completed_) complete();
-    actions_.emplace();
-    std::vector<const std::string*> asked;
-    for (const auto& [path, object] : under_) {
-        const auto item = items_.find(path);
-        if (item == items_.end()) continue;
-        if (item->second.hasAction) {
-            asked.push_back(&path);
-        } else {
-            actions_->emplace(path, std::vector<std::string>{});
-        }
-    }
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    for (const std::string* path : asked) {
-        calls.push_back(methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Action", "GetActions"));
-    }
-    const std::vector<Message> answers = callAll(bus_, calls);
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (auto names = firstOfTriplesAnswer(answers[i])) actions_->emplace(*asked[i], std::move(*names));
-    }
 }
 
 std::optional<bool> Survey::hasDescendant(const Item& item, AtspiRole role) const {

@@ -13,7 +13,11 @@
 // batch of calls per level of the tree under the root.
 //
 // Element nodes created during the walk share the survey and it dies with the
-// last of them, so nothing read stays after the operation returns. A survey is
+// last of them, so nothing read stays after the operation returns. A survey
+// is shared as const, yet some of what it knows is read on the first look at
+// it (the uncached objects, key bindings, texts, sizes: the mutable members
+// below); that is safe because every call into the backend holds
+// LinuxPlatform's lock (guard()), so two threads never look at once. A survey is
 // only trusted while nothing has happened on the desktop since it was taken
 // (see LinuxPlatform::generation). Objects the application does not cache
 // (transient ones such as table cells) and child lists it knows only in part

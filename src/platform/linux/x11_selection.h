@@ -3,8 +3,9 @@
 // and by the clipboard holder (zeblo-helper hold), so it needs Xlib alone.
 //
 // Saving reads every target the owner lists in TARGETS, each as the owner
-// gives it (its property type and format), and serving offers each again
-// under its own name, byte for byte. Large data travels in pieces (the INCR
+// gives it (its property type and format) (x11_selection_read.cpp), and
+// serving offers each again under its own name, byte for byte
+// (x11_selection_server.cpp). Large data travels in pieces (the INCR
 // protocol of the ICCCM) both ways.
 #pragma once
 
@@ -22,6 +23,9 @@ namespace zeblo::platform::linux_desktop {
 
 // Waits until `display` has an event or `deadline` passes.
 bool waitForEvent(Display* display, double deadline);
+
+// The atom named `name`, made when there is none yet.
+inline Atom intern(Display* display, const std::string& name) { return XInternAtom(display, name.c_str(), False); }
 
 // Every target the owner of `selection` offers, read into `window`'s
 // properties within the limits of offers.h. Skipped: the meta targets (TARGETS,

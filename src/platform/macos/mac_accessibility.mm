@@ -19,6 +19,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "platform/ax_names.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::macos {
@@ -116,7 +117,7 @@ AttributeRead MacPlatform::copyAttributeValue(const Element& element, std::strin
         AXUIElementRef target = axElement(element);
         ScopedCF<CFStringRef> name = makeCFString(attribute);
         if (target == nullptr || !name) return {kAXErrorIllegalArgument, {}};
-        if (attribute == "AXChildren") prepareWalk(target);
+        if (attribute == ax::kChildrenAttribute) prepareWalk(target);
         ScopedCF<CFTypeRef> value;
         const AXError result =
             code(AXUIElementCopyAttributeValue(target, name.get(), value.InitializeInto()));
@@ -173,7 +174,7 @@ std::optional<Frame> MacPlatform::frameOf(const Element& element) {
     return guarded(std::optional<Frame>(), [&]() -> std::optional<Frame> {
         AXUIElementRef target = axElement(element);
         if (target == nullptr) return std::nullopt;
-        ScopedCF<CFStringRef> name = makeCFString("AXFrame");
+        ScopedCF<CFStringRef> name = makeCFString(ax::kFrameAttribute);
         ScopedCF<CFTypeRef> value;
         if (!name || AXUIElementCopyAttributeValue(target, name.get(), value.InitializeInto()) != kAXErrorSuccess ||
             !value || CFGetTypeID(value.get()) != AXValueGetTypeID()) {
@@ -238,7 +239,7 @@ void MacPlatform::prepareWalk(AXUIElementRef element) {
     // Asked once, whatever the answer: an application that does not answer
     // costs one reply limit in its life.
     const auto application = ScopedCF<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid));
-    const ScopedCF<CFStringRef> manual = makeCFString("AXManualAccessibility");
+    const ScopedCF<CFStringRef> manual = makeCFString(ax::kManualAccessibilityAttribute);
     if (!application || !manual) return;
     limitReplies(application.get());
     if (AXUIElementSetAttributeValue(application.get(), manual.get(), kCFBooleanTrue) == kAXErrorSuccess) {

@@ -25,6 +25,7 @@
 #include <mutex>
 #include <set>
 
+#include "platform/ax_names.h"
 #include "platform/reply_limit.h"
 
 namespace zeblo::platform::macos {
@@ -41,7 +42,7 @@ constexpr std::size_t kMaxLaunched = 64;
 // Whether the application's element says it is frontmost; nothing when it
 // cannot tell (no accessibility permission, no answer).
 std::optional<bool> isFrontmost(AXUIElementRef app) {
-    const ScopedCF<CFStringRef> attribute = makeCFString("AXFrontmost");
+    const ScopedCF<CFStringRef> attribute = makeCFString(ax::kFrontmostAttribute);
     ScopedCF<CFTypeRef> value;
     if (!attribute || AXUIElementCopyAttributeValue(app, attribute.get(), value.InitializeInto()) != kAXErrorSuccess ||
         !value || CFGetTypeID(value.get()) != CFBooleanGetTypeID()) {
@@ -88,7 +89,7 @@ void rememberLaunched(NSRunningApplication* app) {
 // accessibility server sees it now.
 std::optional<pid_t> focusedApplicationPid() {
     const auto systemWide = ScopedCF<AXUIElementRef>::adopt(AXUIElementCreateSystemWide());
-    const ScopedCF<CFStringRef> attribute = makeCFString("AXFocusedApplication");
+    const ScopedCF<CFStringRef> attribute = makeCFString(ax::kFocusedApplicationAttribute);
     if (!systemWide || !attribute) return std::nullopt;
     limitReplies(systemWide.get());
     ScopedCF<CFTypeRef> value;
@@ -273,7 +274,7 @@ bool MacPlatform::activateApplication(const RunningApp& app, std::uint64_t optio
                 sleep(kActivationPollSeconds);
             }
             if (attempt == 0) {
-                const ScopedCF<CFStringRef> attribute = makeCFString("AXFrontmost");
+                const ScopedCF<CFStringRef> attribute = makeCFString(ax::kFrontmostAttribute);
                 if (attribute) (void)AXUIElementSetAttributeValue(element.get(), attribute.get(), kCFBooleanTrue);
             }
         }

@@ -148,11 +148,11 @@ public:
     // DesktopFormatError when `change` is not a timeline object.
     void addTimelineChange(TimelineChange change);
     // When false, nothing is added to the trace (log lines go nowhere). The
-    // machine's default empty desktop runs this way so that a long-lived host
-    // does not accumulate records.
+    // simulated library's desktop and `zeblo mcp` run this way so that a
+    // long-lived host does not accumulate records.
     void setRecording(bool on);
-    // Where log lines go besides the trace (the machine's default desktop
-    // sends them to the system log). Called without the desktop's lock held.
+    // Where log lines go besides the trace (the simulated library sends them
+    // to the system log). Called without the desktop's lock held.
     void setLogSink(std::function<void(std::string_view)> sink);
     // Receives every trace entry as it is made, recording on or off. Called
     // with the desktop's lock held: it must not call the desktop.

@@ -3,6 +3,7 @@
 #include <type_traits>
 #include <unordered_set>
 
+#include "platform/ax_names.h"
 #include "platform/sim/sim_state.h"
 
 namespace zeblo::sim {
@@ -74,7 +75,7 @@ bool holds(Node* root, const Node* target) {
 void closeWindowHolding(std::vector<SimApp>& apps, const Node* n) {
     for (auto& app : apps) {
         if (app.element == nullptr) continue;
-        Attr* a = app.element->findAttr("AXWindows");
+        Attr* a = app.element->findAttr(ax::kWindowsAttribute);
         auto* windows = a == nullptr ? nullptr : std::get_if<std::vector<Node*>>(a);
         if (windows == nullptr) continue;
         for (Node* w : *windows) {
@@ -87,9 +88,9 @@ void closeWindowHolding(std::vector<SimApp>& apps, const Node* n) {
 }
 
 void toggle(Node& n) {
-    Attr* a = n.findAttr("AXValue");
+    Attr* a = n.findAttr(ax::kValueAttribute);
     auto* v = a == nullptr ? nullptr : std::get_if<std::int64_t>(a);
-    n.setAttr("AXValue", std::int64_t{v != nullptr && *v == 0 ? 1 : (v != nullptr && *v == 1 ? 0 : 1)});
+    n.setAttr(ax::kValueAttribute, std::int64_t{v != nullptr && *v == 0 ? 1 : (v != nullptr && *v == 1 ? 0 : 1)});
 }
 
 }  // namespace
@@ -133,10 +134,10 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
     std::lock_guard lock(impl_->mu);
     if (AXError e = unanswered(*impl_, n)) return {e, {}};
     if (auto it = n->errors.find(attribute); it != n->errors.end()) return {it->second, {}};
-    if (attribute == "ZBVisible") return {platform::kAXErrorSuccess, !n->hidden};
+    if (attribute == ax::kVisibleAttribute) return {platform::kAXErrorSuccess, !n->hidden};
     // Every child, seen or not, is listed under the library's own name.
-    const bool everyChild = attribute == "ZBAllChildren";
-    const Attr* a = n->findAttr(everyChild ? std::string_view("AXChildren") : attribute);
+    const bool everyChild = attribute == ax::kAllChildrenAttribute;
+    const Attr* a = n->findAttr(everyChild ? std::string_view(ax::kChildrenAttribute) : attribute);
     if (a == nullptr) return {platform::kAXErrorAttributeUnsupported, {}};
 
     auto handOut = [&](Node* child) {
@@ -160,7 +161,7 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
         out.reserve(children->size());
         for (Node* c : *children) {
             // "AXChildren" holds what a user sees.
-            if (c != nullptr && c->hidden && attribute == "AXChildren") continue;
+            if (c != nullptr && c->hidden && attribute == ax::kChildrenAttribute) continue;
             out.push_back(handOut(c));
         }
         r.value = std::move(out);
@@ -250,11 +251,11 @@ AXError SimDesktop::performAction(const platform::Element& element, std::string_
             break;
         }
     }
-    if (result == platform::kAXErrorSuccess && action == "AXPress") {
+    if (result == platform::kAXErrorSuccess && action == ax::kPressAction) {
         if (n->onPress == OnPress::close) closeWindowHolding(impl_->apps, n);
         if (n->onPress == OnPress::toggle) toggle(*n);
     }
-    if (result == platform::kAXErrorSuccess && (action == "AXPress" || action == "AXShowMenu") &&
+    if (result == platform::kAXErrorSuccess && (action == ax::kPressAction || action == ax::kShowMenuAction) &&
         !n->reveals.empty()) {
         if (Node* shown = impl_->findNode(n->reveals)) shown->hidden = false;
     }

@@ -45,9 +45,12 @@ std::map<char32_t, KeyPress> usKeyboard() {
 TEST(KeyCharToKeyCode, NamesAndCharacters) {
     EXPECT_EQ(keyCharToKeyCode("a"), 0);
     EXPECT_EQ(keyCharToKeyCode("A"), 0);
-    EXPECT_EQ(keyCharToKeyCode("F1"), 122);
-    EXPECT_EQ(keyCharToKeyCode("f10"), 109);
-    EXPECT_EQ(keyCharToKeyCode("f12"), 111);
+    // The function keys, F1 to F12, as a US keyboard numbers them.
+    const KeyCode functionKeys[12] = {122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111};
+    for (int f = 1; f <= 12; ++f) {
+        EXPECT_EQ(keyCharToKeyCode("f" + std::to_string(f)), functionKeys[f - 1]) << "f" << f;
+        EXPECT_EQ(keyCharToKeyCode("F" + std::to_string(f)), functionKeys[f - 1]) << "F" << f;
+    }
     EXPECT_EQ(keyCharToKeyCode("LEFT"), 123);
     EXPECT_EQ(keyCharToKeyCode("Left"), 123);
     EXPECT_EQ(keyCharToKeyCode("right"), 124);

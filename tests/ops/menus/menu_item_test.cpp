@@ -1,11 +1,12 @@
 // The menu record's JSON form read back: round trips through decoding, and
 // what decoding accepts and refuses.
-#include "support/sim_fixture.h"
+#include "ops/menus/menu_item.h"
 
 #include <string>
+#include <vector>
 
 #include "core/json_writer.h"
-#include "ops/menus/menu_item.h"
+#include "support/sim_fixture.h"
 
 namespace zeblo::testing {
 namespace {
@@ -26,23 +27,14 @@ TEST_F(MenuItemTest, SnapshotRecordsRoundTrip) {
     const json snapshot = json::parse(text);
     ASSERT_GE(snapshot["menus"].size(), 4u);
 
-    // Decoding every record and writing it again reproduces the snapshot.
-    zeblo::json::Writer w(zeblo::json::Layout::pretty);
-    w.beginObject();
-    w.key("app");
-    w.string(snapshot["app"].get<std::string>());
-    w.key("menus");
-    w.beginArray();
+    // Decoding every record and writing them again reproduces the snapshot.
+    std::vector<MenuItem> items;
     for (const json& menu : snapshot["menus"]) {
-        const MenuItem item = MenuItem::decode(menu);
-        EXPECT_EQ(item.pid, 0);
-        EXPECT_EQ(MenuItem::decode(json::parse(encodePretty(item))), item);
-        EXPECT_EQ(menu.get<MenuItem>(), item);
-        item.encode(w);
+        items.push_back(MenuItem::decode(menu));
+        EXPECT_EQ(items.back().pid, 0);
+        EXPECT_EQ(encodePretty(menu.get<MenuItem>()), encodePretty(items.back()));
     }
-    w.endArray();
-    w.endObject();
-    EXPECT_EQ(w.take(), text);
+    EXPECT_EQ(encodeMenuBar(snapshot["app"].get<std::string>(), items), text);
 }
 
 TEST_F(MenuItemTest, RecordsRoundTripWithEveryOptionalField) {
@@ -58,16 +50,18 @@ TEST_F(MenuItemTest, RecordsRoundTripWithEveryOptionalField) {
     child.title = "Child";
     child.cmdModifiers = 9223372036854775807LL;
     item.children->emplace_back().children.emplace();  // an empty submenu stays an empty array
-    const MenuItem copy = item;
-    EXPECT_EQ(copy, item);
-    EXPECT_EQ(MenuItem::decode(json::parse(encodePretty(item))), item);
-    EXPECT_NE(encodePretty(item).find("\"children\" : []"), std::string::npos);
+    const std::string written = encodePretty(item);
+    EXPECT_EQ(encodePretty(MenuItem::decode(json::parse(written))), written);
+    EXPECT_NE(written.find("\"children\" : []"), std::string::npos);
 
+    // Copies are deep: changing one leaves the other, and assignment copies
+    // the whole tree back.
     MenuItem changed = item;
     (*changed.children)[0].cmdModifiers.reset();
-    EXPECT_FALSE(changed == item);
-    changed = item;  // assignment copies the whole tree back
-    EXPECT_EQ(changed, item);
+    EXPECT_NE(encodePretty(changed), written);
+    EXPECT_EQ(encodePretty(item), written);
+    changed = item;
+    EXPECT_EQ(encodePretty(changed), written);
 }
 
 TEST_F(MenuItemTest, DecodingDefaultsAndIgnoredKeys) {
@@ -79,6 +73,28 @@ TEST_F(MenuItemTest, DecodingDefaultsAndIgnoredKeys) {
     EXPECT_FALSE(item.children.has_value());
     EXPECT_EQ(item.pid, 0);
     EXPECT_EQ(encodePretty(item), "{\n  \"title\" : \"T\",\n  \"path\" : [],\n  \"enabled\" : true,\n  \"checked\" : false\n}");
+}
+
+// What decoding refuses, with the exceptions the JSON reader itself gives for
+// the same mismatches.
+TEST_F(MenuItemTest, DecodingRefusesWhatTheFormDoesNot) {
+    const std::string members = R"J("title": "T", "path": [], "enabled": true, "checked": false)J";
+    const std::pair<std::string, int> refused[] = {
+        {R"J({"path": [], "enabled": true, "checked": false})J", 403},  // a required key missing
+        {"{" + members + R"J(, "cmdModifiers": "x"})J", 302},
+        {"{" + members + R"J(, "cmdModifiers": 1.5})J", 302},
+        {"{" + members + R"J(, "cmdModifiers": 18446744073709551615})J", 406},
+        {"{" + members + R"J(, "children": 5})J", 302},
+        {"{" + members + R"J(, "children": [{"title": 1}]})J", 302},
+    };
+    for (const auto& [text, id] : refused) {
+        try {
+            MenuItem::decode(json::parse(text));
+            ADD_FAILURE() << "decoded " << text;
+        } catch (const json::exception& e) {
+            EXPECT_EQ(e.id, id) << text << ": " << e.what();
+        }
+    }
 }
 
 }  // namespace

@@ -236,13 +236,15 @@ TEST_F(MenuSnapshotTest, EscapingInBothLayouts) {
 
 TEST_F(MenuSnapshotTest, AttributeDiagnosticsAreLoggedLiterally) {
     load(desktopWithMenuBar(R"J({"attrs": {"AXTitle": "Run %s '1'", "AXMenuItemCommandID": "x", "AXRole": "AXMenuItem",
-        "AXPerformACTION": true, "\u00c9ACTION": 1, "AXCmdKey": 1, "AXAct": 2}})J"));
+        "AXPerformACTION": true, "\u00c9ACTION": 1, "\u00c9tat": 1, "\u00c9COMMANDE": 1, "AXCmdKey": 1, "AXAct": 2}})J"));
     const json snapshot = takeJson(zeblo_get_app_menus("Ed"));
     EXPECT_EQ(snapshot["menus"][0]["title"], "Run %s '1'");
-    const std::vector<std::string> expected = {
-        "MenuItem 'Run %s '1'' has attribute: AXMenuItemCommandID",
-        "MenuItem 'Run %s '1'' has attribute: AXPerformACTION",
-        "MenuItem 'Run %s '1'' has attribute: \xc3\x89" "ACTION"};
+    const std::vector<std::string> expected = {"MenuItem 'Run %s '1'' has attribute: AXMenuItemCommandID",
+                                               "MenuItem 'Run %s '1'' has attribute: AXPerformACTION",
+                                               "MenuItem 'Run %s '1'' has attribute: \xc3\x89"
+                                               "ACTION",
+                                               "MenuItem 'Run %s '1'' has attribute: \xc3\x89"
+                                               "COMMANDE"};
     EXPECT_EQ(logs(), expected);
 }
 

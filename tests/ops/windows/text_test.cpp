@@ -73,10 +73,12 @@ TEST_F(WindowText, LongTextsKeepTheSameRule) {
                     "[AXButton Title] \u00e9", "[AXButton Title] Q"}));
 }
 
-// The indexed search gives the same answers as looking through every line.
+// The indexed search gives the same answers as looking through every line,
+// for needles and lines with NUL bytes too (a needle never matches across
+// two lines).
 TEST(TextLines, AgreesWithAPlainSearchOfEveryLine) {
     std::mt19937 random(7);
-    const std::vector<std::string> pieces = {"a", "b", "ab", " ", "\u00e9", "\n", "[X] "};
+    const std::vector<std::string> pieces = {"a", "b", "ab", " ", "\u00e9", "\n", "[X] ", std::string(1, '\0')};
     auto make = [&](int n) {
         std::string s;
         for (int i = 0; i < n; ++i) s += pieces[random() % pieces.size()];

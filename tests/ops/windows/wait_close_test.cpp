@@ -66,6 +66,12 @@ TEST_F(Waiting, WindowsAppearDisappearAndComeToTheFront) {
     EXPECT_DOUBLE_EQ(desk().clock(), 0.4);
 }
 
+TEST_F(Waiting, NothingInFrontIsNotInFront) {
+    loadDesk({{"apps", {app("Notes", 7, {window("Draft")})}}, {"timeline", {{{"at", 0.1}, {"frontmost", 7}}}}});
+    EXPECT_FALSE(done(zeblo_wait_for_window(nullptr, nullptr, 2, 100)));  // in front only from 0.1
+    EXPECT_TRUE(done(zeblo_wait_for_window(nullptr, nullptr, 2, 100)));
+}
+
 TEST_F(Waiting, TitlesUseTheLooseMatchOnly) {
     Json odd = app("Mail Sync", 3, {window("Sync"), window(""), {{"attrs", {{"AXTitle", 4}}}}, nullptr});
     odd["element"]["attrs"]["AXWindows"][1]["attrs"]["AXTitle"] = "";

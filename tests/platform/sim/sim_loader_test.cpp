@@ -111,14 +111,19 @@ TEST_F(SimTest, BadFilesAreRefusedWithTheirPlace) {
     EXPECT_THROW(SimDesktop::fromFile("/nonexistent/desktop.json"), DesktopFormatError);
 }
 
+// A file cut short anywhere is refused as a whole, with the reader's own
+// error, before anything of it is built; the whole file loads.
 TEST_F(SimTest, EveryTruncationOfAFileIsRefusedCleanly) {
     const std::string text = kDesktop;
     for (std::size_t n = 0; n < text.size(); ++n) {
         try {
             SimDesktop::fromJson(text.substr(0, n));
-        } catch (const DesktopFormatError&) {
+            ADD_FAILURE() << "accepted the first " << n << " bytes";
+        } catch (const DesktopFormatError& e) {
+            EXPECT_TRUE(std::string(e.what()).starts_with("the desktop is not valid JSON")) << n << ": " << e.what();
         }
     }
+    EXPECT_EQ(SimDesktop::fromJson(text)->runningApplications().size(), 2u);
 }
 
 TEST_F(SimTest, LoadsAndClosesATreeTenThousandLevelsDeep) {

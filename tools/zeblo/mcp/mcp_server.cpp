@@ -5,6 +5,8 @@
 #include <exception>
 #include <stdexcept>
 
+#include "zeblo/zeblo.h"
+
 namespace zeblo::mcp {
 namespace {
 
@@ -220,7 +222,8 @@ Json Server::dispatch(const std::string& method, const Json& params) {
         }
         return {{"protocolVersion", version},
                 {"capabilities", {{"tools", {{"listChanged", false}}}}},
-                {"serverInfo", {{"name", "zeblo"}, {"title", "ZEBLOui desktop automation"}, {"version", "0.1.0"}}},
+                {"serverInfo",
+                 {{"name", "zeblo"}, {"title", "ZEBLOui desktop automation"}, {"version", ZEBLO_VERSION_STRING}}},
                 {"instructions", kInstructions}};
     }
     if (method == "ping") return Json::object();

@@ -1,0 +1,118 @@
+// Decoding and encoding the survey's messages (survey_wire.h).
+#include "platform/linux/survey_wire.h"
+
+#include <dbus/dbus.h>
+
+#include <cstring>
+
+namespace zeblo::platform::linux_desktop {
+namespace {
+
+// The reply of GetItems since AT-SPI 2.34: for every object its reference,
+// its application's and parent's references, index in parent, child count,
+// interfaces, name, role, description and the two words of its state set.
+constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
+
+// Reads an "(so)" reference at `it` and advances past it; gives the path.
+std::string readReference(DBusMessageIter* it) {
+    DBusMessageIter ref;
+    dbus_message_iter_recurse(it, &ref);
+    dbus_message_iter_next(&ref);  // the bus name
+    const char* path = nullptr;
+    dbus_message_iter_get_basic(&ref, &path);
+    dbus_message_iter_next(it);
+    return path != nullptr ? path : "";
+}
+
+template <class T>
+T readBasic(DBusMessageIter* it) {
+    T value{};
+    dbus_message_iter_get_basic(it, &value);
+    dbus_message_iter_next(it);
+    return value;
+}
+
+std::string readString(DBusMessageIter* it) {
+    const char* text = readBasic<const char*>(it);
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+std::optional<std::vector<std::pair<std::string, Survey::Item>>> decodeItems(const Message& answer) {
+    if (!answer || dbus_message_get_type(answer.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN) return std::nullopt;
+    const char* signature = dbus_message_get_signature(answer.get());
+    if (signature == nullptr || std::strcmp(signature, kItemsSignature) != 0) return std::nullopt;
+    std::vector<std::pair<std::string, Survey::Item>> out;
+    DBusMessageIter it, array;
+    dbus_message_iter_init(answer.get(), &it);
+    dbus_message_iter_recurse(&it, &array);
+    while (dbus_message_iter_get_arg_type(&array) == DBUS_TYPE_STRUCT) {
+        DBusMessageIter field;
+        dbus_message_iter_recurse(&array, &field);
+        std::string path = readReference(&field);
+        readReference(&field);  // the application
+        Survey::Item item;
+        item.parentPath = readReference(&field);
+        readBasic<dbus_int32_t>(&field);  // the index in the parent
+        item.childCount = readBasic<dbus_int32_t>(&field);
+        DBusMessageIter interfaces;
+        dbus_message_iter_recurse(&field, &interfaces);
+        while (dbus_message_iter_get_arg_type(&interfaces) == DBUS_TYPE_STRING) {
+            const std::string interface = readString(&interfaces);
+            item.hasAction |= interface == "org.a11y.atspi.Action";
+            item.hasText |= interface == "org.a11y.atspi.Text";
+            item.hasComponent |= interface == "org.a11y.atspi.Component";
+            item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
+        }
+        dbus_message_iter_next(&field);
+        item.name = readString(&field);
+        item.role = static_cast<AtspiRole>(readBasic<dbus_uint32_t>(&field));
+        item.description = readString(&field);
+        DBusMessageIter states;
+        dbus_message_iter_recurse(&field, &states);
+        for (int word = 0; word < 2 && dbus_message_iter_get_arg_type(&states) == DBUS_TYPE_UINT32; ++word) {
+            item.states |= std::uint64_t{readBasic<dbus_uint32_t>(&states)} << (32 * word);
+        }
+        out.emplace_back(std::move(path), std::move(item));
+        dbus_message_iter_next(&array);
+    }
+    return out;
+}
+
+void appendObjectCalls(std::vector<Message>& calls, const char* bus, const char* path) {
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetRole"));
+    calls.push_back(propertyCall(bus, path, kAccessibleInterface, "Name"));
+    calls.push_back(propertyCall(bus, path, kAccessibleInterface, "Description"));
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetState"));
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetInterfaces"));
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetChildren"));
+}
+
+std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
+    dbus_uint32_t role = 0;
+    const char* name = stringAnswer(answer[1]);
+    const char* description = stringAnswer(answer[2]);
+    const auto states = uint32sAnswer(answer[3]);
+    const auto interfaces = stringsAnswer(answer[4]);
+    if (!uint32Answer(answer[0], &role) || name == nullptr || description == nullptr || !states || !interfaces) {
+        return std::nullopt;
+    }
+    Survey::Item item;
+    item.role = static_cast<AtspiRole>(role);
+    item.name = name;
+    item.description = description;
+    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
+        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
+    }
+    for (const std::string& interface : *interfaces) {
+        item.hasAction |= interface == "org.a11y.atspi.Action";
+        item.hasText |= interface == "org.a11y.atspi.Text";
+        item.hasComponent |= interface == "org.a11y.atspi.Component";
+        item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
+    }
+    item.childCount = -1;
+    return item;
+}
+
+}  // namespace zeblo::platform::linux_desktop

@@ -1,0 +1,2 @@
+// Compiled as a file of ops: the simulated desktop's header must not resolve.
+#include "platform/sim/sim_desktop.h"
