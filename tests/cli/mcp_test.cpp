@@ -2,6 +2,7 @@
 // desktops: negotiation, malformed messages, the tool list and its hints,
 // tool results and failures, argument checking.
 #include "capi/export_table.h"
+#include "capi/plus/plus_export_table.h"
 #include "mcp_server.h"
 #include "support/sim_fixture.h"
 
@@ -73,7 +74,7 @@ TEST_F(Mcp, MalformedMessagesGetJsonRpcErrors) {
 TEST_F(Mcp, ToolListNamesSchemasAndHints) {
     load("{}");
     const Json tools = request("tools/list")["result"]["tools"];
-    ASSERT_EQ(tools.size(), 29u);  // the 24 operations and the 5 element tools
+    ASSERT_EQ(tools.size(), 30u);  // the 24 operations and the 6 element tools
     std::set<std::string> readOnly, idempotentActs;
     for (const Json& tool : tools) {
         const std::string name = tool["name"];
@@ -108,11 +109,26 @@ TEST_F(Mcp, ToolListNamesSchemasAndHints) {
         }
         EXPECT_EQ(given, wanted) << row.name;
     }
+    // Every tool calls an export of either table and is read-only when it
+    // only reads; every export a host needs an answer from has one.
+    std::set<std::string_view> called;
+    for (const mcp::Tool& tool : mcp::allTools()) {
+        const capi::Export* row = capi::plus::findAnyExport(tool.exportName);
+        ASSERT_NE(row, nullptr) << tool.name;
+        EXPECT_EQ(tool.readOnly, row->effect == capi::Effect::reads) << tool.name;
+        called.insert(row->name);
+    }
+    for (const auto* table : {&capi::exportTable(), &capi::plus::plusExportTable()}) {
+        for (const capi::Export& row : *table) {
+            const bool hostOnly = row.name == "zeblo_free_string" || row.name == "zeblo_last_failure";
+            EXPECT_EQ(called.count(row.name), hostOnly ? 0u : 1u) << row.name;
+        }
+    }
     EXPECT_EQ(readOnly, (std::set<std::string>{"get_app_menus", "menu_item_exists", "menu_item_enabled",
                                                "get_window_buttons", "get_window_text", "get_frontmost_info",
                                                "get_running_apps", "is_in_text_field", "window_exists",
                                                "get_window_titles", "wait_for_window", "get_ui_tree",
-                                               "find_elements", "wait_for_element"}));
+                                               "find_elements", "get_element", "wait_for_element"}));
     // Repeating these changes nothing more; typing, clicking or closing twice does.
     EXPECT_EQ(idempotentActs, (std::set<std::string>{"set_checkbox_value", "get_popup_menu_items", "focus_app"}));
     const Json& click = tools[1];
@@ -209,6 +225,11 @@ TEST_F(McpElements, OutlinesWithReferencesCapsAndTheKindOfEveryFailure) {
     const std::string outline =
         call("get_ui_tree", {{"app_name", "Quick Notes"}, {"window_name", "Settings"}})["content"][0]["text"];
     EXPECT_NE(outline.find("\n  - checkbox \"Autosave notes\" ["), std::string::npos) << outline;
+    // A reference read back alone gives the same line.
+    const std::size_t at = outline.find("[", outline.find("checkbox \"Autosave notes\""));
+    const std::string ref = outline.substr(at + 1, outline.find("]", at) - at - 1);
+    const std::string again = call("get_element", {{"ref", ref}})["content"][0]["text"];
+    EXPECT_NE(again.find("checkbox \"Autosave notes\" [" + ref + "]"), std::string::npos) << again;
     const std::string small = call("get_ui_tree", {{"app_name", "Quick Notes"}, {"max_chars", 1000}, {"max_nodes", 3}})
                                   ["content"][0]["text"];
     EXPECT_NE(small.find("truncated"), std::string::npos) << small;

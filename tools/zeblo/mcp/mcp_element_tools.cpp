@@ -164,6 +164,15 @@ void addElementTools(std::vector<Tool>& t) {
                                            lines, 20000),
                                     false};
                  }});
+    t.push_back({"get_element", "Read an element again",
+                 "The element of a ref from get_ui_tree or find_elements as it is now: its line, with its role, "
+                 "name, value, states and actions. A ref whose element changed fails as stale.",
+                 {{"ref", Kind::string, "The element's reference, e.g. 1234:0.3.1~9f2c.", true}}, true, true,
+                 [](const Arguments& a) {
+                     Result r = call(zeblo_element_get(a.text("ref")));
+                     if (r.failed) return *r.failed;
+                     return Outcome{line(r.json["element"], 0), false};
+                 }});
     t.push_back({"act_on_element", "Act on an element",
                  "Acts on the element of a ref from get_ui_tree or find_elements: press, toggle, check, uncheck, "
                  "focus, set_value (text fields, check boxes: true/false, pop-up buttons: the item, sliders: a "
@@ -214,6 +223,16 @@ void addElementTools(std::vector<Tool>& t) {
                      if (r.failed) return *r.failed;
                      return Outcome{r.json.dump(), false};
                  }});
+    // The export each element tool calls.
+    static constexpr std::pair<std::string_view, std::string_view> kExports[] = {
+        {"get_ui_tree", "zeblo_element_tree"}, {"find_elements", "zeblo_element_find"},
+        {"get_element", "zeblo_element_get"},  {"act_on_element", "zeblo_element_act"},
+        {"wait_for_element", "zeblo_element_wait"}, {"press_keys", "zeblo_press_keys"}};
+    for (Tool& tool : t) {
+        for (const auto& [name, exported] : kExports) {
+            if (tool.name == name) tool.exportName = exported;
+        }
+    }
 }
 
 std::string lastFailure() {

@@ -78,10 +78,12 @@ struct Tool {
     bool readOnly = false;
     bool idempotent = false;
     std::function<Outcome(const Arguments&)> run;
+    std::string_view exportName = {};  // the export the tool calls
 };
 
 // The 24 tools, one per operation (zeblo_free_string has none), and the
-// element tools (mcp_element_tools.cpp).
+// element tools (mcp_element_tools.cpp), one for each element function and
+// zeblo_press_keys.
 const std::vector<Tool>& allTools();
 void addElementTools(std::vector<Tool>& tools);
 // The calling thread's last failure, {"kind", "case", ...}, or "" (none).

@@ -312,7 +312,8 @@ Tool toolOf(const capi::Export& row, const ToolText& text) {
               {},
               row.effect == capi::Effect::reads,
               text.idempotent,
-              [&row](const Arguments& a) { return outcome(row, a); }};
+              [&row](const Arguments& a) { return outcome(row, a); },
+              row.name};
     for (const capi::Param& param : row.params) {
         const ParamText* said = nullptr;
         for (const ParamText& p : text.params) {
