@@ -146,4 +146,26 @@ bool launchDetached(const std::vector<std::string>& command) {
     return ready > 0 && recv(report.get(), &error, sizeof error, 0) == 0;
 }
 
+bool sendToHolder(int channel, const std::string& payload, double seconds, const std::function<void()>& serve) {
+    std::size_t sent = 0;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    for (; std::chrono::steady_clock::now() < deadline; serve()) {
+        const bool sending = sent < payload.size();
+        pollfd fd{channel, static_cast<short>(sending ? POLLOUT : POLLIN), 0};
+        if (poll(&fd, 1, 10) <= 0) continue;
+        if (!sending) {
+            char byte = 0;
+            const ssize_t got = recv(channel, &byte, 1, MSG_DONTWAIT);
+            if (got == 1) return true;
+            if (got == 0 || (errno != EAGAIN && errno != EINTR)) return false;  // the holder has gone
+            continue;
+        }
+        const ssize_t n = send(channel, payload.data() + sent, payload.size() - sent, MSG_DONTWAIT | MSG_NOSIGNAL);
+        if (n < 0 && errno != EAGAIN && errno != EINTR) return false;  // the holder has gone
+        if (n > 0) sent += static_cast<std::size_t>(n);
+        if (sent == payload.size()) shutdown(channel, SHUT_WR);
+    }
+    return false;
+}
+
 }  // namespace zeblo::platform::linux_desktop

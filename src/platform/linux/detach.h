@@ -16,6 +16,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,6 +59,12 @@ const std::string& helperPath();
 // most 1 s (then it is killed). Gives the other end of the socket pair
 // (close-on-exec), or none when the helper could not be started.
 Fd startHelper(const std::vector<std::string>& args);
+
+// Sends `payload` to a clipboard holder the helper started (`channel`), then
+// waits for the byte that says it owns the clipboard, at most `seconds`,
+// calling `serve` between polls so that requests still addressed to the
+// library are answered meanwhile. True once the holder has it.
+bool sendToHolder(int channel, const std::string& payload, double seconds, const std::function<void()>& serve);
 
 // Runs `command` detached through the helper; true when it could be
 // executed (waiting at most 2 s to know).

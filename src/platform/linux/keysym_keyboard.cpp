@@ -11,18 +11,7 @@ namespace zeblo::platform::linux_desktop {
 bool KeysymKeyboard::typeable(KeySym sym) const {
     xkb_keymap* keymap = display_ != nullptr ? display_->keymap() : nullptr;
     if (keymap == nullptr) return true;  // the layout unknown: let the compositor try
-    for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap); key <= xkb_keymap_max_keycode(keymap); ++key) {
-        for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(keymap, key); ++layout) {
-            for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap, key, layout); ++level) {
-                const xkb_keysym_t* syms = nullptr;
-                const int count = xkb_keymap_key_get_syms_by_level(keymap, key, layout, level, &syms);
-                for (int i = 0; i < count; ++i) {
-                    if (syms[i] == sym) return true;
-                }
-            }
-        }
-    }
-    return false;
+    return keymapGives(keymap, sym);
 }
 
 bool KeysymKeyboard::press(std::uint16_t id, const KeyRequest& request) {

@@ -10,8 +10,6 @@
 
 namespace zeblo::platform::linux_desktop {
 
-namespace {
-
 bool levelsGive(xkb_keymap* keymap, xkb_keycode_t key, xkb_layout_index_t layout, KeySym sym) {
     for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap, key, layout); ++level) {
         const xkb_keysym_t* syms = nullptr;
@@ -23,7 +21,14 @@ bool levelsGive(xkb_keymap* keymap, xkb_keycode_t key, xkb_layout_index_t layout
     return false;
 }
 
-}  // namespace
+bool keymapGives(xkb_keymap* keymap, KeySym sym) {
+    for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap); key <= xkb_keymap_max_keycode(keymap); ++key) {
+        for (xkb_layout_index_t layout = 0; layout < xkb_keymap_num_layouts_for_key(keymap, key); ++layout) {
+            if (levelsGive(keymap, key, layout, sym)) return true;
+        }
+    }
+    return false;
+}
 
 xkb_keycode_t keyGiving(xkb_keymap* keymap, KeySym sym) {
     for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap); key <= xkb_keymap_max_keycode(keymap); ++key) {

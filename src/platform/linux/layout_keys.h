@@ -22,6 +22,10 @@ struct LayoutKey {
 // The key of layout `layout` of `keymap` that gives `sym` with the fewest
 // of Shift and AltGr held; nothing when no key does.
 std::optional<LayoutKey> findKey(xkb_keymap* keymap, xkb_layout_index_t layout, KeySym sym);
+// Whether some level of `key` in layout `layout` gives `sym`.
+bool levelsGive(xkb_keymap* keymap, xkb_keycode_t key, xkb_layout_index_t layout, KeySym sym);
+// Whether any key of any layout of `keymap` gives `sym`.
+bool keymapGives(xkb_keymap* keymap, KeySym sym);
 // The first key whose first level gives `sym` (a modifier key such as
 // Control_L), or 0.
 xkb_keycode_t keyGiving(xkb_keymap* keymap, KeySym sym);

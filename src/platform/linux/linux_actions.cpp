@@ -66,13 +66,7 @@ AXError press(AtspiAccessible* object) {
             if (g_ascii_strcasecmp((*names)[i].c_str(), wanted) == 0) index = static_cast<int>(i);
         }
     }
-    if (index < 0) return kAXErrorActionUnsupported;
-    switch (runAction(object, index)) {
-        case ActionRun::done: return kAXErrorSuccess;
-        case ActionRun::unanswered: return kAXErrorCannotComplete;
-        case ActionRun::refused: break;
-    }
-    return kAXErrorFailure;
+    return doAction(object, index);
 }
 
 // Whether `object` has a press-like action.

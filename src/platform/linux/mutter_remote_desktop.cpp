@@ -51,38 +51,25 @@ bool appendOptions(DBusMessageIter& args, const std::vector<std::string>* mimeTy
 void readOwner(DBusMessage* message, std::vector<std::string>& types, bool& ours) {
     types.clear();
     ours = false;
-    DBusMessageIter args, dict;
+    DBusMessageIter args;
     if (!dbus_message_iter_init(message, &args) || dbus_message_iter_get_arg_type(&args) != DBUS_TYPE_ARRAY) return;
-    for (dbus_message_iter_recurse(&args, &dict); dbus_message_iter_get_arg_type(&dict) == DBUS_TYPE_DICT_ENTRY;
-         dbus_message_iter_next(&dict)) {
-        DBusMessageIter entry, variant;
-        dbus_message_iter_recurse(&dict, &entry);
-        const char* key = nullptr;
-        dbus_message_iter_get_basic(&entry, &key);
-        dbus_message_iter_next(&entry);
-        dbus_message_iter_recurse(&entry, &variant);
-        const std::string name = key != nullptr ? key : "";
-        // mutter sends the list of types inside a structure: (as).
-        if (dbus_message_iter_get_arg_type(&variant) == DBUS_TYPE_STRUCT) {
-            DBusMessageIter inner;
-            dbus_message_iter_recurse(&variant, &inner);
-            variant = inner;
-        }
-        const int kind = dbus_message_iter_get_arg_type(&variant);
+    // mutter sends the list of types inside a structure: (as).
+    forEachEntry(&args, [&](std::string_view name, DBusMessageIter* variant) {
+        const int kind = dbus_message_iter_get_arg_type(variant);
         if (name == "session-is-owner" && kind == DBUS_TYPE_BOOLEAN) {
             dbus_bool_t value = FALSE;
-            dbus_message_iter_get_basic(&variant, &value);
+            dbus_message_iter_get_basic(variant, &value);
             ours = value != FALSE;
         } else if (name == "mime-types" && kind == DBUS_TYPE_ARRAY) {
             DBusMessageIter list;
-            for (dbus_message_iter_recurse(&variant, &list); dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING;
+            for (dbus_message_iter_recurse(variant, &list); dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING;
                  dbus_message_iter_next(&list)) {
                 const char* type = nullptr;
                 dbus_message_iter_get_basic(&list, &type);
                 types.emplace_back(type);
             }
         }
-    }
+    });
 }
 
 // The file descriptor a reply carries (ours to close), or none.
@@ -93,34 +80,6 @@ Fd replyFd(const BusMessage& reply) {
         return Fd();
     }
     return Fd(fd);
-}
-
-std::optional<std::string> readToEnd(int fd, std::size_t limit, double deadline) {
-    std::string out;
-    char buffer[1 << 16];
-    while (true) {
-        const double left = deadline - monotonicSeconds();
-        pollfd p{fd, POLLIN, 0};
-        if (left <= 0 || poll(&p, 1, static_cast<int>(left * 1000) + 1) <= 0) return std::nullopt;
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n == 0) return out;
-        if (n < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
-        if (n > 0) out.append(buffer, static_cast<std::size_t>(n));
-        if (out.size() > limit) return std::nullopt;
-    }
-}
-
-bool writeAll(int fd, const std::string& data) {
-    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
-    std::size_t sent = 0;
-    while (sent < data.size()) {
-        pollfd p{fd, POLLOUT, 0};
-        if (poll(&p, 1, static_cast<int>(kReplySeconds * 1000)) <= 0) return false;
-        const ssize_t n = ::write(fd, data.data() + sent, data.size() - sent);
-        if (n < 0 && errno != EINTR && errno != EAGAIN) return false;
-        if (n > 0) sent += static_cast<std::size_t>(n);
-    }
-    return true;
 }
 
 }  // namespace

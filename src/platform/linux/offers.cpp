@@ -1,5 +1,10 @@
 #include "platform/linux/offers.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
@@ -105,5 +110,35 @@ std::optional<Offers> parseOffers(std::string_view bytes) {
     if (!in.rest.empty()) return std::nullopt;
     return offers;
 }
+
+std::optional<std::string> readToEnd(int fd, std::size_t limit, double deadline) {
+    std::string out;
+    char buffer[1 << 16];
+    while (true) {
+        const double left = deadline - monotonicSeconds();
+        pollfd p{fd, POLLIN, 0};
+        if (left <= 0 || poll(&p, 1, static_cast<int>(left * 1000) + 1) <= 0) return std::nullopt;
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n == 0) return out;
+        if (n < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
+        if (n > 0) out.append(buffer, static_cast<std::size_t>(n));
+        if (out.size() > limit) return std::nullopt;
+    }
+}
+
+
+bool writeAll(int fd, const std::string& data) {
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+    std::size_t sent = 0;
+    while (sent < data.size()) {
+        pollfd p{fd, POLLOUT, 0};
+        if (poll(&p, 1, static_cast<int>(kReplySeconds * 1000)) <= 0) return false;
+        const ssize_t n = ::write(fd, data.data() + sent, data.size() - sent);
+        if (n < 0 && errno != EINTR && errno != EAGAIN) return false;
+        if (n > 0) sent += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
 
 }  // namespace zeblo::platform::linux_desktop

@@ -1,8 +1,9 @@
 // The contents of a clipboard as a list of offers, each a target (an X
 // target or a MIME type) with its bytes, and what every clipboard of the
 // backend shares: the limits of a save, the text offers the library makes
-// for a paste, the names of pasteboard entries, and the bytes the library
-// hands a clipboard holder. Needs nothing of any window system.
+// for a paste, the names of pasteboard entries, the bytes the library hands a
+// clipboard holder, and moving a clipboard's bytes through a pipe. Needs
+// nothing of any window system.
 #pragma once
 
 #include <cstddef>
@@ -32,6 +33,13 @@ inline constexpr double kSaveSeconds = 3.0;   // for the whole save
 
 // Seconds on the steady clock.
 double monotonicSeconds();
+// Reads `fd` (a pipe from a clipboard's owner) to its end: nothing when the
+// writer is late (`deadline`, on monotonicSeconds) or gives more than
+// `limit` bytes.
+std::optional<std::string> readToEnd(int fd, std::size_t limit, double deadline);
+// Writes all of `data` to `fd` (a pipe to a pasting application); false when
+// the reader takes nothing for kReplySeconds or the pipe breaks.
+bool writeAll(int fd, const std::string& data);
 // The bytes of one item of data of `format` (8, 16 or 32 bits).
 std::size_t itemSize(int format);
 

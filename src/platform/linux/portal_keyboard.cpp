@@ -105,29 +105,21 @@ void PortalKeyboard::handle(DBusMessage* message) {
     if (dbus_message_is_signal(message, "org.freedesktop.portal.Request", "Response") &&
         request_ == (dbus_message_get_path(message) != nullptr ? dbus_message_get_path(message) : "")) {
         Answer answer;
-        DBusMessageIter args, dict;
+        DBusMessageIter args;
         if (!dbus_message_iter_init(message, &args) || dbus_message_iter_get_arg_type(&args) != DBUS_TYPE_UINT32) {
             return;
         }
         dbus_message_iter_get_basic(&args, &answer.response);
         dbus_message_iter_next(&args);
         if (dbus_message_iter_get_arg_type(&args) == DBUS_TYPE_ARRAY) {
-            for (dbus_message_iter_recurse(&args, &dict); dbus_message_iter_get_arg_type(&dict) == DBUS_TYPE_DICT_ENTRY;
-                 dbus_message_iter_next(&dict)) {
-                DBusMessageIter entry, variant;
-                dbus_message_iter_recurse(&dict, &entry);
-                const char* key = nullptr;
-                dbus_message_iter_get_basic(&entry, &key);
-                dbus_message_iter_next(&entry);
-                dbus_message_iter_recurse(&entry, &variant);
-                const int kind = dbus_message_iter_get_arg_type(&variant);
-                if (std::string_view(key) == "session_handle" &&
-                    (kind == DBUS_TYPE_STRING || kind == DBUS_TYPE_OBJECT_PATH)) {
+            forEachEntry(&args, [&](std::string_view key, DBusMessageIter* variant) {
+                const int kind = dbus_message_iter_get_arg_type(variant);
+                if (key == "session_handle" && (kind == DBUS_TYPE_STRING || kind == DBUS_TYPE_OBJECT_PATH)) {
                     const char* handle = nullptr;
-                    dbus_message_iter_get_basic(&variant, &handle);
+                    dbus_message_iter_get_basic(variant, &handle);
                     answer.sessionHandle = handle;
                 }
-            }
+            });
         }
         answer_ = std::move(answer);
         request_.clear();

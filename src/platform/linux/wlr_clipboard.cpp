@@ -17,37 +17,6 @@ namespace {
 
 constexpr double kCompositorSeconds = 1.0;
 
-// Reads `fd` to its end: nothing when the writer is late (`deadline`) or
-// gives more than `limit` bytes.
-std::optional<std::string> readToEnd(int fd, std::size_t limit, double deadline) {
-    std::string out;
-    char buffer[1 << 16];
-    while (true) {
-        const double left = deadline - monotonicSeconds();
-        pollfd p{fd, POLLIN, 0};
-        if (left <= 0 || poll(&p, 1, static_cast<int>(left * 1000) + 1) <= 0) return std::nullopt;
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n == 0) return out;
-        if (n < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
-        if (n > 0) out.append(buffer, static_cast<std::size_t>(n));
-        if (out.size() > limit) return std::nullopt;
-    }
-}
-
-// Writes all of `data` to `fd`, giving up when the reader takes nothing for
-// kReplySeconds.
-void writeAll(int fd, const std::string& data) {
-    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
-    std::size_t sent = 0;
-    while (sent < data.size()) {
-        pollfd p{fd, POLLOUT, 0};
-        if (poll(&p, 1, static_cast<int>(kReplySeconds * 1000)) <= 0) return;
-        const ssize_t n = ::write(fd, data.data() + sent, data.size() - sent);
-        if (n < 0 && errno != EINTR && errno != EAGAIN) return;
-        if (n > 0) sent += static_cast<std::size_t>(n);
-    }
-}
-
 }  // namespace
 
 const zwlr_data_control_offer_v1_listener DataControlClipboard::kOfferListener = {
@@ -186,7 +155,8 @@ void DataControlClipboard::write(const std::string& type, int fd) {
     for (const Offer& offer : offers_) {
         if (offer.target != type) continue;
         ++answered_;
-        return writeAll(fd, *offer.data);
+        writeAll(fd, *offer.data);
+        return;
     }
 }
 

@@ -41,27 +41,7 @@ bool X11Session::handToHolder() {
     const std::string payload = serializeOffers(clipboard_->offers());
     const Fd channel = startHelper({"hold"});
     if (!channel) return false;
-    // Send the offers, then wait for the byte that says the holder owns
-    // CLIPBOARD; requests still addressed to us are answered meanwhile.
-    std::size_t sent = 0;
-    bool ready = false;
-    for (const double deadline = monotonicSeconds() + kHolderSeconds; monotonicSeconds() < deadline; serve(0)) {
-        const bool sending = sent < payload.size();
-        pollfd fd{channel.get(), static_cast<short>(sending ? POLLOUT : POLLIN), 0};
-        if (poll(&fd, 1, 10) <= 0) continue;
-        if (!sending) {
-            char byte = 0;
-            const ssize_t got = recv(channel.get(), &byte, 1, MSG_DONTWAIT);
-            ready = got == 1;
-            if (ready || got == 0 || (errno != EAGAIN && errno != EINTR)) break;  // ready, or the holder has gone
-            continue;
-        }
-        const ssize_t n =
-            send(channel.get(), payload.data() + sent, payload.size() - sent, MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (n < 0 && errno != EAGAIN && errno != EINTR) break;  // the holder has gone
-        if (n > 0) sent += static_cast<std::size_t>(n);
-        if (sent == payload.size()) shutdown(channel.get(), SHUT_WR);
-    }
+    const bool ready = sendToHolder(channel.get(), payload, kHolderSeconds, [this] { serve(0); });
     serve(0);
     if (ready) clipboard_->forget();  // the holder has it now
     return ready;
