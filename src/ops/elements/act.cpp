@@ -339,7 +339,7 @@ std::string act(std::string_view refText, std::string_view actionText, std::stri
             break;
         }
     }
-    return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return dumped(out);
 }
 
 }  // namespace zeblo::elements

@@ -176,15 +176,25 @@ std::string tree(std::string_view queryText) {
     out["nodes"] = listed;
     if (w.cut || w.omitted > 0) out["truncated"] = Json{{"omitted", w.omitted}};
     out["tree"] = std::move(roots);
-    return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return dumped(out);
 }
+
+namespace {
+
+// The criteria of `query`, refused when there are none ("to find").
+Criteria criteriaOf(const Json& query, const std::string& purpose) {
+    Criteria criteria = Criteria::of(query);
+    if (criteria.empty()) {
+        throw ElementError::usage("emptyQuery", "Give at least one of role, name, text, value or state to " + purpose);
+    }
+    return criteria;
+}
+
+}  // namespace
 
 std::string find(std::string_view queryText) {
     const Json query = parseQuery(queryText);
-    const Criteria criteria = Criteria::of(query);
-    if (criteria.empty()) {
-        throw ElementError::usage("emptyQuery", "Give at least one of role, name, text, value or state to find");
-    }
+    const Criteria criteria = criteriaOf(query, "find");
     const std::size_t limit = count(query, "limit", 20, 10'000);
     const Limits limits = limitsOf(query);
     const Found found = search(query, criteria);
@@ -199,7 +209,7 @@ std::string find(std::string_view queryText) {
     if (found.walk.cut) truncated["unsearched"] = found.walk.omitted;
     if (!truncated.empty()) out["truncated"] = std::move(truncated);
     out["matches"] = std::move(matches);
-    return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return dumped(out);
 }
 
 std::string get(std::string_view ref) {
@@ -208,15 +218,12 @@ std::string get(std::string_view ref) {
     out["app"] = r.appName;
     out["pid"] = r.ref.pid;
     out["element"] = factsJson(format(r.ref), r.facts, Limits{});
-    return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return dumped(out);
 }
 
 std::string wait(std::string_view queryText) {
     const Json query = parseQuery(queryText);
-    const Criteria criteria = Criteria::of(query);
-    if (criteria.empty()) {
-        throw ElementError::usage("emptyQuery", "Give at least one of role, name, text, value or state to wait for");
-    }
+    const Criteria criteria = criteriaOf(query, "wait for");
     Until until = Until::appears;
     const std::string word = textOf(query, "until").value_or("appears");
     if (word == "disappears") {
@@ -262,7 +269,7 @@ std::string wait(std::string_view queryText) {
             Json out = Json::object();
             out["ok"] = true;
             if (hit >= 0) out["element"] = nodeJson(now->walk.nodes[static_cast<std::size_t>(hit)], limits);
-            return out.dump(-1, ' ', false, Json::error_handler_t::replace);
+            return dumped(out);
         }
         if (deadline.passed()) break;
         p.sleep(0.1);

@@ -18,6 +18,10 @@ namespace zeblo::elements {
 
 using Json = nlohmann::ordered_json;
 
+// The JSON text of a result, compact; text that is not UTF-8 is replaced,
+// never refused.
+inline std::string dumped(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
 // What a query starts from: an application (by name, "" the frontmost one),
 // optionally one of its windows (loose title match, "" all of them), or the
 // element of a reference.

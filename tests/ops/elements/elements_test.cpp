@@ -93,6 +93,9 @@ TEST_F(Elements, TreeListsWhatAUserSeesWithReferencesAndLabelledFields) {
         EXPECT_EQ(n["states"], Json({"hidden"}));
     }
     EXPECT_TRUE(sawCancel);
+    std::size_t referenced = 0;  // the shown ones keep their references
+    for (const Json& n : all["tree"][0]["children"]) referenced += n.contains("ref") ? 1 : 0;
+    EXPECT_EQ(referenced, win["children"].size());
 
     // The menu bar, where macOS keeps it: on the application.
     desk().apps()[0].element->setAttr("AXMenuBar", desk().node("popover"));
@@ -202,14 +205,16 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home"))["chords"], 3);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home 4"))["chords"], 4);
     const auto keys = traceOf("key");
-    ASSERT_EQ(keys.size(), 6u);
+    ASSERT_EQ(keys.size(), 8u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
     EXPECT_EQ(keys[2]["flags"], 0x20000);
     EXPECT_EQ(keys[4]["key"], 115);                     // home
+    EXPECT_EQ(keys[6]["key"], 21);                      // "4", without Shift
+    EXPECT_EQ(keys[6]["flags"], 0);
     clearTrace();
     EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
     EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
