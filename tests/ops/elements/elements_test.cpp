@@ -136,6 +136,7 @@ TEST_F(Elements, FindMatchesRoleNameTextAndState) {
     EXPECT_EQ(find({{"role", "button"}, {"state", {{"enabled", false}}}})["matches"][0]["name"], "Help");
     EXPECT_EQ(find({{"text", "subscr"}})["count"], 1);
     EXPECT_EQ(find({{"name", "Nothing like it"}})["count"], 0);
+    EXPECT_EQ(find({{"role", "statictext"}})["matches"].size(), 2u);
     const Json limited = find({{"role", "statictext"}, {"limit", 1}});
     EXPECT_EQ(limited["matches"].size(), 1u);
     EXPECT_EQ(limited["truncated"]["matches"], 1);
@@ -205,16 +206,18 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home 4"))["chords"], 4);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home 4 plus"))["chords"], 5);
     const auto keys = traceOf("key");
-    ASSERT_EQ(keys.size(), 8u);
+    ASSERT_EQ(keys.size(), 10u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
     EXPECT_EQ(keys[2]["flags"], 0x20000);
-    EXPECT_EQ(keys[4]["key"], 115);                     // home
+    EXPECT_EQ(keys[4]["key"], 115);                     // home, without Shift
+    EXPECT_EQ(keys[4]["flags"], 0);
     EXPECT_EQ(keys[6]["key"], 21);                      // "4", without Shift
     EXPECT_EQ(keys[6]["flags"], 0);
+    EXPECT_EQ(keys[8]["key"], 24);                      // "plus" is the "=" key
     clearTrace();
     EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
     EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
