@@ -6,6 +6,7 @@
 
 #include "ops/elements/element_ops.h"
 #include "ops/elements/walk.h"
+#include "ops/key_codes.h"
 #include "ops/lookup.h"
 
 namespace zeblo::elements {
@@ -17,39 +18,17 @@ struct Named {
     std::uint16_t code;
 };
 
-// Keys by name (lower case). Characters are looked up in kCharacters.
+// Keys by name (lower case) beyond the key texts of the keyboard's own table
+// (ops/key_codes.h: letters, digits, "f1".."f12", the arrows), which is
+// asked first; single characters are typed as that table types them.
 constexpr Named kKeys[] = {
-    {"return", 36},   {"enter", 36},     {"tab", 48},       {"space", 49},     {"backspace", 51},
-    {"escape", 53},   {"esc", 53},       {"delete", 117},   {"del", 117},      {"forwarddelete", 117},
-    {"home", 115},    {"end", 119},      {"pageup", 116},   {"pagedown", 121}, {"left", 123},
-    {"right", 124},   {"down", 125},     {"up", 126},       {"help", 114},     {"insert", 114},
-    {"f1", 122},      {"f2", 120},       {"f3", 99},        {"f4", 118},       {"f5", 96},
-    {"f6", 97},       {"f7", 98},        {"f8", 100},       {"f9", 101},       {"f10", 109},
-    {"f11", 103},     {"f12", 111},      {"f13", 105},      {"f14", 107},      {"f15", 113},
-    {"f16", 106},     {"f17", 64},       {"plus", 24},      {"minus", 27},     {"comma", 43},
-    {"period", 47},   {"slash", 44},     {"backslash", 42}, {"semicolon", 41}, {"quote", 39},
-    {"grave", 50},    {"bracketleft", 33}, {"bracketright", 30}, {"equal", 24},
-};
-
-// The characters of a US keyboard: the key and whether Shift types it.
-struct Character {
-    char c;
-    std::uint16_t code;
-    bool shift;
-};
-constexpr Character kCharacters[] = {
-    {'a', 0, false},  {'b', 11, false}, {'c', 8, false},  {'d', 2, false},  {'e', 14, false}, {'f', 3, false},
-    {'g', 5, false},  {'h', 4, false},  {'i', 34, false}, {'j', 38, false}, {'k', 40, false}, {'l', 37, false},
-    {'m', 46, false}, {'n', 45, false}, {'o', 31, false}, {'p', 35, false}, {'q', 12, false}, {'r', 15, false},
-    {'s', 1, false},  {'t', 17, false}, {'u', 32, false}, {'v', 9, false},  {'w', 13, false}, {'x', 7, false},
-    {'y', 16, false}, {'z', 6, false},  {'0', 29, false}, {'1', 18, false}, {'2', 19, false}, {'3', 20, false},
-    {'4', 21, false}, {'5', 23, false}, {'6', 22, false}, {'7', 26, false}, {'8', 28, false}, {'9', 25, false},
-    {'`', 50, false}, {'-', 27, false}, {'=', 24, false}, {'[', 33, false}, {']', 30, false}, {'\\', 42, false},
-    {';', 41, false}, {'\'', 39, false}, {',', 43, false}, {'.', 47, false}, {'/', 44, false}, {'!', 18, true},
-    {'@', 19, true},  {'#', 20, true},  {'$', 21, true},  {'%', 23, true},  {'^', 22, true},  {'&', 26, true},
-    {'*', 28, true},  {'(', 25, true},  {')', 29, true},  {'_', 27, true},  {'+', 24, true},  {'{', 33, true},
-    {'}', 30, true},  {'|', 42, true},  {':', 41, true},  {'"', 39, true},  {'<', 43, true},  {'>', 47, true},
-    {'?', 44, true},  {'~', 50, true},
+    {"return", 36},      {"enter", 36},        {"tab", 48},           {"space", 49},     {"backspace", 51},
+    {"escape", 53},      {"esc", 53},          {"delete", 117},       {"del", 117},      {"forwarddelete", 117},
+    {"home", 115},       {"end", 119},         {"pageup", 116},       {"pagedown", 121}, {"help", 114},
+    {"insert", 114},     {"f13", 105},         {"f14", 107},          {"f15", 113},      {"f16", 106},
+    {"f17", 64},         {"plus", 24},         {"minus", 27},         {"comma", 43},     {"period", 47},
+    {"slash", 44},       {"backslash", 42},    {"semicolon", 41},     {"quote", 39},     {"grave", 50},
+    {"bracketleft", 33}, {"bracketright", 30}, {"equal", 24},
 };
 
 struct Chord {
@@ -104,15 +83,20 @@ Chord parseChord(std::string_view text) {
     }
     const std::string_view key = parts.empty() ? std::string_view() : parts.back();
     if (key.size() == 1) {
-        const char c = key[0] >= 'A' && key[0] <= 'Z' ? static_cast<char>(key[0] - 'A' + 'a') : key[0];
-        for (const Character& ch : kCharacters) {
-            if (ch.c != c) continue;
-            chord.code = ch.code;
-            if (ch.shift || (key[0] >= 'A' && key[0] <= 'Z' && chord.flags == 0)) chord.flags |= platform::kEventFlagShift;
+        if (const std::optional<keyboard::KeyPress> press = keyboard::charToKeyCode(key)) {
+            chord.code = press->keyCode;
+            // An upper-case letter with other modifiers is their chord on
+            // its key: "ctrl+S" is Control-S.
+            const bool letter = key[0] >= 'A' && key[0] <= 'Z';
+            if (press->needsShift && !(letter && chord.flags != 0)) chord.flags |= platform::kEventFlagShift;
             return chord;
         }
     }
     const std::string name = lower(key);
+    if (const std::optional<keyboard::KeyCode> code = keyboard::keyCharToKeyCode(name); code) {
+        chord.code = *code;
+        return chord;
+    }
     for (const Named& k : kKeys) {
         if (k.name != name) continue;
         chord.code = k.code;

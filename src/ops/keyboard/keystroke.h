@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ops/keyboard/key_codes.h"
+#include "ops/key_codes.h"
 #include "ops/keyboard/keystroke_error.h"
 #include "platform/platform.h"
 

@@ -173,6 +173,12 @@ TEST_F(Elements, ActionsByReferenceFillPressCheckAndOpenMenus) {
     EXPECT_EQ(opened["menu"][0]["name"], "Bold");
     EXPECT_EQ(act(opened["menu"][0]["ref"].get<std::string>(), "press")["ok"], true);
     EXPECT_EQ(traceOf("action").back()["element"], "bold");
+    // A button that opens nothing: its menu is waited for half a second.
+    const double before = desk().clock();
+    EXPECT_EQ(act(ref({{"name", "OK"}}), "open_menu")["error"]["case"], "noMenu");
+    EXPECT_DOUBLE_EQ(desk().clock() - before, 0.5);
+    // Texts are capped at maxText characters, an ellipsis marking the cut.
+    EXPECT_EQ(find({{"name", "Help"}, {"maxText", 2}})["matches"][0]["name"], "He\u2026");
 }
 
 TEST_F(Elements, StaleReferencesActOnNothing) {

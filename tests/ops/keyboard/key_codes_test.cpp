@@ -1,5 +1,5 @@
 // The key code tables and the two lookups built on them.
-#include "ops/keyboard/key_codes.h"
+#include "ops/key_codes.h"
 
 #include <gtest/gtest.h>
 #include <unicode/utf8.h>

@@ -1,4 +1,4 @@
-#include "ops/keyboard/key_codes.h"
+#include "ops/key_codes.h"
 
 #include <array>
 #include <string>
