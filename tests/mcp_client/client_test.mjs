@@ -18,8 +18,9 @@ assert.deepEqual(client.getServerCapabilities().tools, { listChanged: false });
 assert.match(client.getInstructions(), /get_running_apps/);
 
 const { tools } = await client.listTools();
-assert.equal(tools.length, 29);
+assert.equal(tools.length, 30);  // the 24 operations and the 6 element tools
 const byName = Object.fromEntries(tools.map((t) => [t.name, t]));
+assert.equal(byName.get_element.annotations.readOnlyHint, true);
 assert.equal(byName.get_window_text.annotations.readOnlyHint, true);
 assert.equal(byName.menu_click.annotations.destructiveHint, true);
 assert.deepEqual(byName.send_global_keystroke.inputSchema.properties.key_codes.items,
