@@ -137,6 +137,10 @@ TEST_F(Elements, FindMatchesRoleNameTextAndState) {
     EXPECT_EQ(find({{"text", "subscr"}})["count"], 1);
     EXPECT_EQ(find({{"name", "Nothing like it"}})["count"], 0);
     EXPECT_EQ(find({{"role", "statictext"}})["matches"].size(), 2u);
+    desk().node("email")->setAttr("AXValue", std::string("ada@example.org"));
+    const Json byValue = find({{"value", "ADA@"}});
+    ASSERT_EQ(byValue["count"], 1) << byValue.dump();
+    EXPECT_EQ(byValue["matches"][0]["value"], "ada@example.org");
     const Json limited = find({{"role", "statictext"}, {"limit", 1}});
     EXPECT_EQ(limited["matches"].size(), 1u);
     EXPECT_EQ(limited["truncated"]["matches"], 1);
@@ -205,6 +209,10 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
     const Json appeared = call(zeblo_element_wait(R"({"window":"Done","name":"Close","timeout":3000})"));
     EXPECT_EQ(appeared["element"]["name"], "Close");
     EXPECT_GE(desk().clock(), 1.5);
+    desk().node("email")->setAttr("AXValue", std::string("ada@example.org"));
+    const Json valued =
+        call(zeblo_element_wait(R"({"role":"textfield","until":"value","equals":"ada@example.org"})"));
+    EXPECT_EQ(valued["element"]["value"], "ada@example.org") << valued.dump();
     const Json late = call(zeblo_element_wait(R"({"name":"Never","timeout":300})"));
     EXPECT_EQ(late["error"]["kind"], "timeout");
     EXPECT_EQ(call(zeblo_element_wait(R"({"name":"Help","until":"disappears","timeout":200})"))["error"]["kind"],
@@ -212,7 +220,7 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + home 4 plus"))["chords"], 5);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus"))["chords"], 5);
     const auto keys = traceOf("key");
     ASSERT_EQ(keys.size(), 10u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
