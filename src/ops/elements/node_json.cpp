@@ -2,22 +2,19 @@
 // name, value and description (capped), states and the actions it takes.
 #include <algorithm>
 
+#include "core/unicode.h"
 #include "ops/elements/walk.h"
 #include "platform/ax_names.h"
 
 namespace zeblo::elements {
 
 std::string capped(const std::string& text, std::size_t limit) {
-    if (text.size() <= limit) return text;
-    // Cut at a character boundary, in characters counted as code points.
-    std::size_t chars = 0, at = 0;
-    while (at < text.size() && chars < limit) {
-        const auto c = static_cast<unsigned char>(text[at]);
-        at += c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
-        ++chars;
-    }
-    if (at >= text.size()) return text;
-    return text.substr(0, at) + "\xE2\x80\xA6";  // …
+    if (text.size() <= limit) return text;  // fewer bytes than the limit: fewer characters too
+    const std::vector<std::string> characters = text::graphemes(text);
+    if (characters.size() <= limit) return text;
+    std::string out;
+    for (std::size_t i = 0; i < limit; ++i) out += characters[i];
+    return out + "\xE2\x80\xA6";  // …
 }
 
 Json factsJson(const std::string& ref, const Facts& f, const Limits& limits) {

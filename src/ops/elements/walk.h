@@ -98,7 +98,7 @@ bool plainContainer(const Facts& facts);
 // The node of `v` as the results show it (no children).
 Json nodeJson(const Visited& v, const Limits& limits);
 Json factsJson(const std::string& ref, const Facts& facts, const Limits& limits);
-// `text` cut to `limit` characters (code points), an ellipsis marking a cut.
+// `text` cut to `limit` user-perceived characters, an ellipsis marking a cut.
 std::string capped(const std::string& text, std::size_t limit);
 
 // Reads the scope members of a query object.

@@ -220,9 +220,9 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus"))["chords"], 5);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S"))["chords"], 7);
     const auto keys = traceOf("key");
-    ASSERT_EQ(keys.size(), 10u);
+    ASSERT_EQ(keys.size(), 14u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
@@ -232,6 +232,8 @@ TEST_F(Elements, KeysByNameAreChecked) {
     EXPECT_EQ(keys[6]["key"], 21);                      // "4", without Shift
     EXPECT_EQ(keys[6]["flags"], 0);
     EXPECT_EQ(keys[8]["key"], 24);                      // "plus" is the "=" key
+    EXPECT_EQ(keys[10]["flags"], 0x20000);              // "S" is Shift and s,
+    EXPECT_EQ(keys[12]["flags"], 0x40000);              // "ctrl+S" Control and s
     clearTrace();
     EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
     EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
