@@ -141,6 +141,7 @@ TEST_F(Elements, FindMatchesRoleNameTextAndState) {
     const Json byValue = find({{"value", "ADA@"}});
     ASSERT_EQ(byValue["count"], 1) << byValue.dump();
     EXPECT_EQ(byValue["matches"][0]["value"], "ada@example.org");
+    EXPECT_TRUE(find({{"role", "button"}, {"maxScan", 3}})["truncated"].contains("unsearched"));
     const Json limited = find({{"role", "statictext"}, {"limit", 1}});
     EXPECT_EQ(limited["matches"].size(), 1u);
     EXPECT_EQ(limited["truncated"]["matches"], 1);
@@ -168,6 +169,8 @@ TEST_F(Elements, ActionsByReferenceFillPressCheckAndOpenMenus) {
     EXPECT_EQ(act(ref({{"name", "Help"}}), "press")["error"]["case"], "disabled");
     EXPECT_EQ(act(ref({{"name", "OK"}}), "check")["error"]["case"], "notCheckable");
     EXPECT_EQ(act(name, "explode")["error"]["kind"], "usage");
+    EXPECT_EQ(act(box, "set_value", "maybe")["error"]["case"], "badValue");
+    EXPECT_EQ(act(ref({{"name", "OK"}}), "scroll_into_view")["error"]["case"], "refused");
     EXPECT_EQ(act(ref({{"name", "OK"}}), "press")["ok"], true);
 
     // The popover's items appear once its button opens it.
@@ -209,6 +212,8 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
     const Json appeared = call(zeblo_element_wait(R"({"window":"Done","name":"Close","timeout":3000})"));
     EXPECT_EQ(appeared["element"]["name"], "Close");
     EXPECT_GE(desk().clock(), 1.5);
+    // The first of several that hold.
+    EXPECT_EQ(call(zeblo_element_wait(R"({"role":"statictext"})"))["element"]["name"], "Name:");
     desk().node("email")->setAttr("AXValue", std::string("ada@example.org"));
     const Json valued =
         call(zeblo_element_wait(R"({"role":"textfield","until":"value","equals":"ada@example.org"})"));
@@ -220,9 +225,9 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S"))["chords"], 7);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S esc"))["chords"], 8);
     const auto keys = traceOf("key");
-    ASSERT_EQ(keys.size(), 14u);
+    ASSERT_EQ(keys.size(), 16u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
@@ -234,6 +239,7 @@ TEST_F(Elements, KeysByNameAreChecked) {
     EXPECT_EQ(keys[8]["key"], 24);                      // "plus" is the "=" key
     EXPECT_EQ(keys[10]["flags"], 0x20000);              // "S" is Shift and s,
     EXPECT_EQ(keys[12]["flags"], 0x40000);              // "ctrl+S" Control and s
+    EXPECT_EQ(keys[14]["key"], 53);                     // esc
     clearTrace();
     EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
     EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
