@@ -60,7 +60,8 @@
 **   actions      what the element offers ("press", "showmenu",
 **                "increment"...);
 **   more         children left out by a limit.
-** Texts longer than maxText characters (default 200) end in "...".
+** Texts longer than maxText user-perceived characters (default 200) are cut
+** to that many, never inside one, and end in U+2026 (an ellipsis).
 **
 ** REFERENCES.  "PID:W.I.J...~CHECK": the process, the window's index in its
 ** application's window list ("m": the menu bar), the index path among the
