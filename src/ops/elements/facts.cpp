@@ -150,12 +150,10 @@ std::string shortRole(std::string_view role) {
 }
 
 std::string roleKey(std::string_view role) {
-    std::string key = lower(role);
-    if (key.size() > 2 && key.compare(0, 2, "ax") == 0 && role.size() > 2 && (role[0] == 'A' || role[0] == 'a') &&
-        (role[1] == 'X' || role[1] == 'x') && role[2] >= 'A' && role[2] <= 'Z') {
-        key.erase(0, 2);
-    }
-    return key;
+    // "AXButton" and "axButton" are "button"; "axe" stays itself.
+    const bool prefixed = role.size() > 2 && (role[0] == 'A' || role[0] == 'a') && (role[1] == 'X' || role[1] == 'x') &&
+                          role[2] >= 'A' && role[2] <= 'Z';
+    return lower(prefixed ? role.substr(2) : role);
 }
 
 std::string shortAction(std::string_view action) { return shortRole(action); }

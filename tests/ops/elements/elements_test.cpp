@@ -137,6 +137,9 @@ TEST_F(Elements, FindMatchesRoleNameTextAndState) {
     EXPECT_EQ(find({{"text", "subscr"}})["count"], 1);
     EXPECT_EQ(find({{"name", "Nothing like it"}})["count"], 0);
     EXPECT_EQ(find({{"role", "statictext"}})["matches"].size(), 2u);
+    // A role in any case, with or without its "AX".
+    EXPECT_EQ(find({{"role", "AXStaticText"}})["count"], 2);
+    EXPECT_EQ(find({{"role", "axStaticText"}})["count"], 2);
     desk().node("email")->setAttr("AXValue", std::string("ada@example.org"));
     const Json byValue = find({{"value", "ADA@"}});
     ASSERT_EQ(byValue["count"], 1) << byValue.dump();
@@ -200,6 +203,7 @@ TEST_F(Elements, StaleReferencesActOnNothing) {
     EXPECT_EQ(act("7:0.99~0000", "press")["error"]["kind"], "stale");
     EXPECT_EQ(act("8:0.1~0000", "press")["error"]["kind"], "stale");
     EXPECT_EQ(act("OK", "press")["error"]["case"], "badReference");
+    EXPECT_EQ(act("7:px~0000", "press")["error"]["case"], "badReference");
     EXPECT_EQ(lastFailure()["function"], "zeblo_element_act");
 }
 
@@ -225,9 +229,9 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S esc"))["chords"], 8);
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S esc end pagedown"))["chords"], 10);
     const auto keys = traceOf("key");
-    ASSERT_EQ(keys.size(), 16u);
+    ASSERT_EQ(keys.size(), 20u);
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
@@ -240,6 +244,8 @@ TEST_F(Elements, KeysByNameAreChecked) {
     EXPECT_EQ(keys[10]["flags"], 0x20000);              // "S" is Shift and s,
     EXPECT_EQ(keys[12]["flags"], 0x40000);              // "ctrl+S" Control and s
     EXPECT_EQ(keys[14]["key"], 53);                     // esc
+    EXPECT_EQ(keys[16]["key"], 119);                    // end
+    EXPECT_EQ(keys[18]["key"], 121);                    // pagedown
     clearTrace();
     EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+return hyper+x"))["error"]["case"], "badKeys");
     EXPECT_TRUE(traceOf("key").empty());  // nothing pressed before every chord is read
