@@ -191,6 +191,40 @@ TEST_F(Elements, ActionsByReferenceFillPressCheckAndOpenMenus) {
     EXPECT_EQ(find({{"name", "Help"}, {"maxText", 2}})["matches"][0]["name"], "He\u2026");
 }
 
+TEST_F(Elements, SlidersTabsAndRowsTakeTheirActions) {
+    Json slider = el("AXSlider", "Volume");
+    slider["id"] = "volume";
+    slider["attrs"]["AXValue"] = 3;
+    slider["settable"] = {"AXValue"};
+    slider["actions"] = {{"AXIncrement", 0}};
+    Json tab = el("AXRadioButton", "Advanced");
+    tab["id"] = "tab";
+    tab["attrs"]["AXSelected"] = false;
+    tab["settable"] = {"AXSelected"};
+    Json row = el("AXRow", "Fonts");
+    row["id"] = "row";
+    row["attrs"]["AXExpanded"] = false;
+    row["settable"] = {"AXExpanded"};
+    loadWindows({window("Preferences", {slider, tab, row})});
+
+    const std::string volume = ref({{"name", "Volume"}});
+    EXPECT_EQ(act(volume, "set_value", "7")["ok"], true);
+    EXPECT_EQ(std::get<std::int64_t>(*desk().node("volume")->findAttr("AXValue")), 7);
+    EXPECT_EQ(act(volume, "set_value", "loud")["error"]["case"], "notEditable");
+    EXPECT_EQ(act(volume, "increment")["ok"], true);
+    EXPECT_EQ(traceOf("action").back()["action"], "AXIncrement");
+    EXPECT_EQ(act(volume, "decrement")["error"]["case"], "refused");
+
+    EXPECT_EQ(act(ref({{"name", "Advanced"}}), "select")["ok"], true);
+    EXPECT_TRUE(std::get<bool>(*desk().node("tab")->findAttr("AXSelected")));
+
+    const std::string fonts = ref({{"name", "Fonts"}});
+    EXPECT_EQ(act(fonts, "collapse")["changed"], false);  // collapsed already
+    EXPECT_EQ(act(fonts, "expand")["changed"], true);
+    EXPECT_TRUE(std::get<bool>(*desk().node("row")->findAttr("AXExpanded")));
+    EXPECT_EQ(act(volume, "expand")["error"]["case"], "notExpandable");
+}
+
 TEST_F(Elements, StaleReferencesActOnNothing) {
     const std::string ok = ref({{"name", "OK"}});
     // Another element at the same place: the check no longer matches.
