@@ -183,6 +183,11 @@ TEST_F(Elements, ActionsByReferenceFillPressCheckAndOpenMenus) {
     EXPECT_EQ(opened["menu"][0]["name"], "Bold");
     EXPECT_EQ(act(opened["menu"][0]["ref"].get<std::string>(), "press")["ok"], true);
     EXPECT_EQ(traceOf("action").back()["element"], "bold");
+    // A toggle that opens nothing is pressed back.
+    const Json none = act(box, "open_menu");
+    EXPECT_EQ(none["error"]["case"], "noMenu");
+    EXPECT_EQ(none["error"]["message"].get<std::string>().find("pressed"), std::string::npos);
+    EXPECT_EQ(call(zeblo_element_get(box.c_str()))["element"]["states"], Json({"checked"}));
     // A button that opens nothing: its menu is waited for half a second.
     const double before = desk().clock();
     EXPECT_EQ(act(ref({{"name", "OK"}}), "open_menu")["error"]["case"], "noMenu");
