@@ -230,6 +230,24 @@ TEST_F(Elements, SlidersTabsAndRowsTakeTheirActions) {
     EXPECT_EQ(act(volume, "expand")["error"]["case"], "notExpandable");
 }
 
+TEST_F(Elements, FieldsListedBackwardsTakeTheLabelsDrawnBesideThem) {
+    // A grid that lists its cells from the right: each field's label comes
+    // after it, and only the frames tell which is whose.
+    const auto placed = [](Json e, double x, double y) {
+        e["frame"] = {x, y, 80, 20};
+        return e;
+    };
+    Json grid = el("AXGroup", "", {placed(field("zip"), 100, 10), placed(label("Zip:"), 10, 10),
+                                   placed(field("city"), 100, 40), placed(label("City:"), 10, 40),
+                                   placed(field("note"), 100, 130), placed(label("Note:"), 100, 105)});
+    loadWindows({window("Address", {grid})});
+    const Json fields = find({{"role", "textfield"}});
+    ASSERT_EQ(fields["count"], 3) << fields.dump();
+    EXPECT_EQ(fields["matches"][0]["name"], "Zip:");
+    EXPECT_EQ(fields["matches"][1]["name"], "City:");
+    EXPECT_EQ(fields["matches"][2]["name"], "Note:");  // the caption just above it
+}
+
 TEST_F(Elements, StaleReferencesActOnNothing) {
     const std::string ok = ref({{"name", "OK"}});
     // Another element at the same place: the check no longer matches.
