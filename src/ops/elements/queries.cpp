@@ -45,6 +45,20 @@ Limits limitsOf(const Json& query) {
     return limits;
 }
 
+std::size_t emit(const Walk& w, int index, const Limits& limits, Json& into);
+
+// Adds `v` to `into` with its listed descendants as children and the count
+// of those left out.
+void list(const Walk& w, const Visited& v, const Limits& limits, Json& into) {
+    Json node = nodeJson(v, limits);
+    Json children = Json::array();
+    std::size_t more = v.more;
+    for (const int kid : v.kids) more += emit(w, kid, limits, children);
+    if (!children.empty()) node["children"] = std::move(children);
+    if (more > 0) node["more"] = more;
+    into.push_back(std::move(node));
+}
+
 // Adds the listed nodes under `index` (itself, or its listed descendants when
 // it is a plain container) to `into`; gives the children not visited under
 // the plain containers on the way, which the listed parent reports.
@@ -55,13 +69,7 @@ std::size_t emit(const Walk& w, int index, const Limits& limits, Json& into) {
         for (const int kid : v.kids) more += emit(w, kid, limits, into);
         return more;
     }
-    Json node = nodeJson(v, limits);
-    Json children = Json::array();
-    std::size_t more = v.more;
-    for (const int kid : v.kids) more += emit(w, kid, limits, children);
-    if (!children.empty()) node["children"] = std::move(children);
-    if (more > 0) node["more"] = more;
-    into.push_back(std::move(node));
+    list(w, v, limits, into);
     return 0;
 }
 
@@ -162,14 +170,7 @@ std::string tree(std::string_view queryText) {
     Json roots = Json::array();
     for (const int root : w.roots) {
         // A root is always listed, plain or not: it is what was asked for.
-        const Visited& v = w.nodes[static_cast<std::size_t>(root)];
-        Json node = nodeJson(v, limits);
-        Json children = Json::array();
-        std::size_t more = v.more;
-        for (const int kid : v.kids) more += emit(w, kid, limits, children);
-        if (!children.empty()) node["children"] = std::move(children);
-        if (more > 0) node["more"] = more;
-        roots.push_back(std::move(node));
+        list(w, w.nodes[static_cast<std::size_t>(root)], limits, roots);
     }
     std::size_t listed = 0;
     for (const Visited& v : w.nodes) listed += v.listed ? 1 : 0;
