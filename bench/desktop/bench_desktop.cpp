@@ -296,10 +296,9 @@ bool prepare() {
     return true;
 }
 
-nlohmann::json pyatspiMedians(const char* script, const Toolkit& toolkit) {
-    const char* menuApp = toolkit.menuApp != nullptr ? toolkit.menuApp : "-";
-    const std::string command = std::string("/usr/bin/python3 ") + script + " " + menuApp + " " +
-                                toolkit.textApp + " " + std::to_string(kPythonRepetitions);
+// What `command` (a shell command line) writes to its standard output, as
+// JSON (discarded when it is not).
+nlohmann::json jsonOutputOf(const std::string& command) {
     std::string out;
     if (FILE* pipe = popen(command.c_str(), "r")) {
         char buffer[4096];
@@ -308,6 +307,12 @@ nlohmann::json pyatspiMedians(const char* script, const Toolkit& toolkit) {
         pclose(pipe);
     }
     return nlohmann::json::parse(out, nullptr, false);
+}
+
+nlohmann::json pyatspiMedians(const char* script, const Toolkit& toolkit) {
+    const char* menuApp = toolkit.menuApp != nullptr ? toolkit.menuApp : "-";
+    return jsonOutputOf(std::string("/usr/bin/python3 ") + script + " " + menuApp + " " + toolkit.textApp + " " +
+                        std::to_string(kPythonRepetitions));
 }
 
 }  // namespace
@@ -344,14 +349,7 @@ int main(int argc, char** argv) {
     for (std::size_t m = 0; m < std::size(kMany); ++m) {
         const std::string command = std::string("/usr/bin/python3 ") + ZEBLO_PYATSPI_WALKS + " tree " + kMany[m].app +
                                     " " + std::to_string(kPythonRepetitions) + " 2>/dev/null";
-        std::string out;
-        if (FILE* pipe = popen(command.c_str(), "r")) {
-            char buffer[4096];
-            std::size_t got = 0;
-            while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, got);
-            pclose(pipe);
-        }
-        const nlohmann::json python = nlohmann::json::parse(out, nullptr, false);
+        const nlohmann::json python = jsonOutputOf(command);
         const double ours = reporter.medianMs["BM_Tree/" + std::to_string(m)];
         const double theirs = python.is_object() ? python.value("tree_ms", 0.0) : 0.0;
         std::printf("element tree of %s's window of 1,000 controls: %.2f ms, pyatspi %.2f ms (%d elements), %.1fx\n",
