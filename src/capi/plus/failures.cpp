@@ -39,10 +39,7 @@ std::string caseName(const TypedError& e) {
 
 class Observer final : public CallObserver {
 public:
-    void begin() noexcept override {
-        lastCall.failed = false;
-        pendingDetail.clear();
-    }
+    void begin() noexcept override { recordBegin(); }
     void failed(std::string_view exportName, const std::exception* error) noexcept override {
         try {
             lastCall.failed = true;
