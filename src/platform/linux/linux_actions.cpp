@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <initializer_list>
+#include <span>
 
 #include "platform/ax_names.h"
 #include "platform/linux/accessible.h"
@@ -25,6 +26,17 @@ bool isPressName(const std::string& name) {
         if (g_ascii_strcasecmp(name.c_str(), press) == 0) return true;
     }
     return false;
+}
+
+// The index among `names` of the first of `wanted` (in any case) that is
+// there, or -1.
+int indexAmong(const std::vector<std::string>& names, std::span<const char* const> wanted) {
+    for (const char* name : wanted) {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (g_ascii_strcasecmp(names[i].c_str(), name) == 0) return static_cast<int>(i);
+        }
+    }
+    return -1;
 }
 
 }  // namespace
@@ -60,13 +72,7 @@ AXError press(AtspiAccessible* object) {
         }
     }
     if (!names) return kAXErrorFailure;
-    int index = -1;
-    for (const char* wanted : kPressActions) {
-        for (std::size_t i = 0; index < 0 && i < names->size(); ++i) {
-            if (g_ascii_strcasecmp((*names)[i].c_str(), wanted) == 0) index = static_cast<int>(i);
-        }
-    }
-    return doAction(object, index);
+    return doAction(object, indexAmong(*names, kPressActions));
 }
 
 // Whether `object` has a press-like action.
@@ -196,16 +202,9 @@ AXError focus(LinuxPlatform& p, AtspiAccessible* object) {
     return outcome(start, error != nullptr, done);
 }
 
-// The index of the first action of `object` named (in any case) one of
-// `wanted`, or -1.
 int actionIndex(AtspiAccessible* object, std::initializer_list<const char*> wanted) {
-    const std::vector<std::string> names = actionNamesOf(object).value_or(std::vector<std::string>{});
-    for (const char* name : wanted) {
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            if (g_ascii_strcasecmp(names[i].c_str(), name) == 0) return static_cast<int>(i);
-        }
-    }
-    return -1;
+    return indexAmong(actionNamesOf(object).value_or(std::vector<std::string>{}),
+                      std::span<const char* const>(wanted.begin(), wanted.size()));
 }
 
 AXError doAction(AtspiAccessible* object, int index) {
