@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/reply_limit.h"
@@ -66,55 +67,94 @@ Message propertyCall(const char* destination, const char* path, const char* inte
     return call;
 }
 
+namespace {
+
+// The answers of one batch as they come: a filter on the connection takes
+// every reply whose serial is one of the batch's calls. Replies do not go
+// through pending calls: each of those adds a timeout to the connection,
+// which libatspi's main loop binding keeps in a list that every removal
+// scans (an eighth of a 6,000-call batch went there).
+class Catcher {
+public:
+    Catcher(DBusConnection* bus, std::vector<Message>& answers) : bus_(bus), answers_(answers) {
+        added_ = dbus_connection_add_filter(bus_, &Catcher::filter, this, nullptr) != 0;
+    }
+    ~Catcher() {
+        if (added_) dbus_connection_remove_filter(bus_, &Catcher::filter, this);
+    }
+    Catcher(const Catcher&) = delete;
+    Catcher& operator=(const Catcher&) = delete;
+
+    bool added() const { return added_; }
+    // Waits for the answer to the call of `index`, sent as `serial`.
+    void expect(dbus_uint32_t serial, std::size_t index) { waiting_.emplace(serial, index); }
+    // A call no longer waited for: a late answer is dropped.
+    void forget(dbus_uint32_t serial) { waiting_.erase(serial); }
+    bool waiting(dbus_uint32_t serial) const { return waiting_.count(serial) != 0; }
+
+private:
+    static DBusHandlerResult filter(DBusConnection*, DBusMessage* message, void* data) {
+        auto* self = static_cast<Catcher*>(data);
+        const int type = dbus_message_get_type(message);
+        if (type != DBUS_MESSAGE_TYPE_METHOD_RETURN && type != DBUS_MESSAGE_TYPE_ERROR) {
+            return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+        }
+        const auto found = self->waiting_.find(dbus_message_get_reply_serial(message));
+        if (found == self->waiting_.end()) return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+        self->answers_[found->second] = Message(dbus_message_ref(message));
+        self->waiting_.erase(found);
+        return DBUS_HANDLER_RESULT_HANDLED;
+    }
+
+    DBusConnection* bus_;
+    std::vector<Message>& answers_;
+    std::unordered_map<dbus_uint32_t, std::size_t> waiting_;
+    bool added_ = false;
+};
+
+}  // namespace
+
 std::vector<Message> callAll(DBusConnection* bus, const std::vector<Message>& calls, const std::vector<int>& limitsMs) {
     std::vector<Message> answers(calls.size());
     if (bus == nullptr) return answers;
+    Catcher catcher(bus, answers);
+    if (!catcher.added()) return answers;
     // At most this many calls wait for answers at once, well below the
     // buses' limit on pending replies per connection.
     constexpr std::size_t kInFlight = 4096;
     using Clock = std::chrono::steady_clock;
-    std::vector<PendingCall> pending;
+    std::vector<dbus_uint32_t> serials;
     std::vector<Clock::time_point> due;
     for (std::size_t first = 0; first < calls.size(); first += kInFlight) {
         const std::size_t end = std::min(calls.size(), first + kInFlight);
-        pending.clear();
-        pending.resize(end - first);
+        serials.assign(end - first, 0);
         due.assign(end - first, {});
         const Clock::time_point sent = Clock::now();
         for (std::size_t i = first; i < end; ++i) {
-            PendingCall& call = pending[i - first];
             const int limit = limitsMs.empty() ? replyLimitMs() : limitsMs[i];
             due[i - first] = sent + std::chrono::milliseconds(limit);
-            if (!calls[i] || !dbus_connection_send_with_reply(bus, calls[i].get(), out(call), limit)) call.reset();
+            dbus_uint32_t serial = 0;
+            if (calls[i] && dbus_connection_send(bus, calls[i].get(), &serial)) {
+                serials[i - first] = serial;
+                catcher.expect(serial, i);
+            }
         }
         dbus_connection_flush(bus);
         // One wait for the whole batch, each call up to its own limit counted
         // from the send (blocking on each call in turn would add the limits
-        // of the calls that go unanswered).
-        // `open` is the first call still waiting; the ones before it are
-        // answered or past their deadline, so each dispatched message costs
-        // no scan of the whole batch.
+        // of the calls that go unanswered). `open` is the first call still
+        // waiting; the ones before it are answered or past their deadline.
         std::size_t open = 0;
         for (;;) {
             const Clock::time_point now = Clock::now();
-            while (open < pending.size() &&
-                   (!pending[open] || dbus_pending_call_get_completed(pending[open].get()) || due[open] <= now)) {
+            while (open < serials.size() && (serials[open] == 0 || !catcher.waiting(serials[open]) || due[open] <= now)) {
                 ++open;
             }
-            if (open == pending.size()) break;
+            if (open == serials.size()) break;
             const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due[open] - now).count();
             if (!dbus_connection_read_write_dispatch(bus, static_cast<int>(wait))) break;  // disconnected
         }
-        for (std::size_t i = first; i < end; ++i) {
-            PendingCall& call = pending[i - first];
-            if (!call) continue;
-            if (dbus_pending_call_get_completed(call.get())) {
-                answers[i] = Message(dbus_pending_call_steal_reply(call.get()));
-            } else {
-                dbus_pending_call_cancel(call.get());  // a late answer is dropped
-            }
-            call.reset();
-        }
+        for (const dbus_uint32_t serial : serials) catcher.forget(serial);
     }
     return answers;
 }

@@ -83,7 +83,6 @@ using Text = Owned<char, g_free>;                       // g_malloc'd text
 using Array = Owned<GArray, freeArray>;                 // the elements are not released
 using Message = Owned<DBusMessage, dbus_message_unref>;
 using HashTable = Owned<GHashTable, g_hash_table_unref>;
-using PendingCall = Owned<DBusPendingCall, dbus_pending_call_unref>;
 
 // Lets a C function that hands an owned pointer back through a `T**` (a
 // `GError**`, say) store it in `owner`, for the length of the call:

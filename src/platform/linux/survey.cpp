@@ -47,7 +47,10 @@ bool Survey::read(AtspiAccessible* root) {
     std::vector<Message> call;
     call.push_back(methodCall(busName_.c_str(), "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"));
     auto items = decodeItems(callAll(bus_, call).front());
-    if (!items) return false;  // no answer, or an older or newer layout: the walk reads live
+    // No answer, an older or newer layout, or an empty cache (Qt's): read
+    // level by level. Only an application that caches objects is asked
+    // for the others' properties with GetAll, which Qt's cannot take.
+    if (!items || items->empty()) return false;
     for (auto& [path, item] : *items) items_.insert_or_assign(std::move(path), std::move(item));
     return true;
 }
@@ -130,15 +133,54 @@ void Survey::settle(const std::string& path, Item& item) const {
 }
 
 void Survey::complete() const {
-    // Objects the application does not cache (GTK's list rows, for one) are
-    // read in one batch when the walk first reaches one of them: six calls
-    // each, the answers GetItems would have given and the child list.
+    // Objects the application does not cache (GTK's list rows, a web page's
+    // content) are read in one batch when the walk first reaches one of
+    // them: four calls each, and their child lists follow from the parents
+    // they name, in the order the Collection match gave them. An
+    // application that refuses GetAll gets six calls each instead, the last
+    // its child list.
     completed_ = true;
     std::vector<const std::string*> uncached;
-    for (const auto& [path, object] : under_) {
-        if (items_.count(path) == 0) uncached.push_back(&path);
+    for (const AccessibleRef& object : objects_) {
+        const auto path = under_.find(pathOf(object.get()));
+        if (path != under_.end() && items_.count(path->first) == 0) uncached.push_back(&path->first);
     }
     if (uncached.empty()) return;
+    std::vector<Message> calls;
+    calls.reserve(uncached.size() * kCallsPerObjectWithProperties);
+    for (const std::string* path : uncached) appendPropertyCalls(calls, busName_.c_str(), path->c_str());
+    const std::vector<Message> answers = callAll(bus_, calls);
+    bool refused = true;
+    for (std::size_t i = 0; i < uncached.size() && refused; ++i) {
+        refused = isErrorAnswer(answers[i * kCallsPerObjectWithProperties + 1]);
+    }
+    if (refused) {
+        completeByChildLists(uncached);
+        return;
+    }
+    std::vector<Item*> added(uncached.size(), nullptr);
+    for (std::size_t i = 0; i < uncached.size(); ++i) {
+        std::optional<Item> item = itemFromPropertyAnswers(&answers[i * kCallsPerObjectWithProperties]);
+        if (item) added[i] = &items_.emplace(*uncached[i], std::move(*item)).first->second;  // else read live
+    }
+    // Each new item joins its parent's list when the parent is new as well
+    // (a cached parent's list was asked for whole when the survey was taken).
+    std::unordered_map<std::string, bool> isNew;
+    for (std::size_t i = 0; i < uncached.size(); ++i) isNew.emplace(*uncached[i], added[i] != nullptr);
+    for (std::size_t i = 0; i < uncached.size(); ++i) {
+        if (added[i] == nullptr) continue;
+        const auto parent = items_.find(added[i]->parentPath);
+        const auto fresh = isNew.find(added[i]->parentPath);
+        if (parent != items_.end() && fresh != isNew.end() && fresh->second) {
+            parent->second.children.push_back(under_.at(*uncached[i]));
+        }
+    }
+    for (std::size_t i = 0; i < uncached.size(); ++i) {
+        if (added[i] != nullptr) settle(*uncached[i], *added[i]);
+    }
+}
+
+void Survey::completeByChildLists(const std::vector<const std::string*>& uncached) const {
     std::vector<Message> calls;
     calls.reserve(uncached.size() * kCallsPerObject);
     for (const std::string* path : uncached) appendObjectCalls(calls, busName_.c_str(), path->c_str());

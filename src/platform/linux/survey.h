@@ -129,6 +129,9 @@ private:
     void settle(const std::string& path, Item& item) const;
     // Reads the objects under the root that the application does not cache.
     void complete() const;
+    // complete() for an application that refuses GetAll: the objects in
+    // `uncached` are read with their child lists.
+    void completeByChildLists(const std::vector<const std::string*>& uncached) const;
 
     std::uint64_t generation_ = 0;
     std::string busName_;

@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "platform/linux/private_bus.h"
+
 namespace zeblo::platform::linux_desktop {
 namespace {
 
@@ -37,6 +39,14 @@ std::string readString(DBusMessageIter* it) {
     return text != nullptr ? text : "";
 }
 
+// Notes on `item` the interfaces that a walk asks about.
+void noteInterface(Survey::Item& item, const std::string& interface) {
+    item.hasAction |= interface == "org.a11y.atspi.Action";
+    item.hasText |= interface == "org.a11y.atspi.Text";
+    item.hasComponent |= interface == "org.a11y.atspi.Component";
+    item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
+}
+
 }  // namespace
 
 std::optional<std::vector<std::pair<std::string, Survey::Item>>> decodeItems(const Message& answer) {
@@ -59,11 +69,7 @@ std::optional<std::vector<std::pair<std::string, Survey::Item>>> decodeItems(con
         DBusMessageIter interfaces;
         dbus_message_iter_recurse(&field, &interfaces);
         while (dbus_message_iter_get_arg_type(&interfaces) == DBUS_TYPE_STRING) {
-            const std::string interface = readString(&interfaces);
-            item.hasAction |= interface == "org.a11y.atspi.Action";
-            item.hasText |= interface == "org.a11y.atspi.Text";
-            item.hasComponent |= interface == "org.a11y.atspi.Component";
-            item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
+            noteInterface(item, readString(&interfaces));
         }
         dbus_message_iter_next(&field);
         item.name = readString(&field);
@@ -105,13 +111,58 @@ std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
     for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
         item.states |= std::uint64_t{(*states)[word]} << (32 * word);
     }
-    for (const std::string& interface : *interfaces) {
-        item.hasAction |= interface == "org.a11y.atspi.Action";
-        item.hasText |= interface == "org.a11y.atspi.Text";
-        item.hasComponent |= interface == "org.a11y.atspi.Component";
-        item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
-    }
+    for (const std::string& interface : *interfaces) noteInterface(item, interface);
     item.childCount = -1;
+    return item;
+}
+
+void appendPropertyCalls(std::vector<Message>& calls, const char* bus, const char* path) {
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetRole"));
+    Message all = methodCall(bus, path, "org.freedesktop.DBus.Properties", "GetAll");
+    if (all && !dbus_message_append_args(all.get(), DBUS_TYPE_STRING, &kAccessibleInterface, DBUS_TYPE_INVALID)) {
+        all.reset();
+    }
+    calls.push_back(std::move(all));
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetState"));
+    calls.push_back(methodCall(bus, path, kAccessibleInterface, "GetInterfaces"));
+}
+
+std::optional<Survey::Item> itemFromPropertyAnswers(const Message* answer) {
+    dbus_uint32_t role = 0;
+    const auto states = uint32sAnswer(answer[2]);
+    const auto interfaces = stringsAnswer(answer[3]);
+    const Message& properties = answer[1];
+    if (!uint32Answer(answer[0], &role) || !states || !interfaces || !properties ||
+        dbus_message_get_type(properties.get()) != DBUS_MESSAGE_TYPE_METHOD_RETURN ||
+        std::strcmp(dbus_message_get_signature(properties.get()), "a{sv}") != 0) {
+        return std::nullopt;
+    }
+    Survey::Item item;
+    item.role = static_cast<AtspiRole>(role);
+    item.childCount = -1;
+    bool named = false, described = false;
+    DBusMessageIter it;
+    dbus_message_iter_init(properties.get(), &it);
+    forEachEntry(&it, [&](std::string_view key, DBusMessageIter* value) {
+        const int type = dbus_message_iter_get_arg_type(value);
+        if (key == "Name" && type == DBUS_TYPE_STRING) {
+            item.name = readString(value);
+            named = true;
+        } else if (key == "Description" && type == DBUS_TYPE_STRING) {
+            item.description = readString(value);
+            described = true;
+        } else if (key == "ChildCount" && type == DBUS_TYPE_INT32) {
+            item.childCount = readBasic<dbus_int32_t>(value);
+        } else if (key == "Parent" && type == DBUS_TYPE_STRING) {  // the (so) reference, opened
+            dbus_message_iter_next(value);
+            if (dbus_message_iter_get_arg_type(value) == DBUS_TYPE_OBJECT_PATH) item.parentPath = readString(value);
+        }
+    });
+    if (!named || !described) return std::nullopt;
+    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
+        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
+    }
+    for (const std::string& interface : *interfaces) noteInterface(item, interface);
     return item;
 }
 
