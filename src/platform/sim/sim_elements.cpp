@@ -160,8 +160,9 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
         std::vector<platform::Element> out;
         out.reserve(children->size());
         for (Node* c : *children) {
-            // "AXChildren" holds what a user sees.
-            if (c != nullptr && c->hidden && attribute == ax::kChildrenAttribute) continue;
+            // "AXChildren" holds what a user sees, "ZBMenus" the menus open now.
+            const bool shownOnly = attribute == ax::kChildrenAttribute || attribute == ax::kMenusAttribute;
+            if (c != nullptr && c->hidden && shownOnly) continue;
             out.push_back(handOut(c));
         }
         r.value = std::move(out);

@@ -106,6 +106,8 @@ TEST_F(Elements, TreeListsWhatAUserSeesWithReferencesAndLabelledFields) {
     EXPECT_EQ(bold.substr(0, 5), "7:m.0");
     EXPECT_EQ(act(bold, "press")["ok"], true);
     desk().node("popover")->hidden = true;
+    desk().apps()[0].element->setAttr("AXMenuBar", static_cast<sim::Node*>(nullptr));
+    EXPECT_NE(act(bold, "press")["error"]["message"].get<std::string>().find("no menu bar now"), std::string::npos);
 
     // Limits say what they left out.
     const Json small = tree({{"maxNodes", 3}});
@@ -124,18 +126,55 @@ TEST_F(Elements, FieldsTakeTheLabelDrawnBesideThemWhateverTheOrder) {
     };
     Json zip = at(field("zip"), 110, 120);
     zip["attrs"]["ZBName"] = "Postal code";  // its own accessible label comes first
+    Json fullName = at(label("Full name:"), 0, 0);
+    fullName["frame"][2] = 111;  // its box reaches a pixel into the field's
+    Json size = label("Size:");
+    size["frame"] = {0, 150, 50, 20};
+    Json automatic = el("AXCheckBox", "Automatic");
+    automatic["frame"] = {55, 150, 56, 20};
+    // A field and a label that are not drawn (no frame) are measured against nothing.
     loadWindows({window("Form", {el("AXGroup", "", {at(field("email"), 110, 30), at(label("Email:"), 0, 30),
-                                                   at(field("name"), 110, 0), at(label("Full name:"), 0, 0),
+                                                   at(field("name"), 110, 0), fullName,
                                                    at(field("note"), 110, 90), at(label("Note:"), 110, 65),
-                                                   zip, at(label("Zip:"), 0, 120)})})});
+                                                   zip, at(label("Zip:"), 0, 120), field("undrawn"),
+                                                   label("Undrawn:"), size, automatic,
+                                                   at(field("size"), 110, 150)})})});
     const Json fields = find({{"role", "textfield"}});
-    ASSERT_EQ(fields["count"], 4) << fields.dump();
+    ASSERT_EQ(fields["count"], 6) << fields.dump();
+    // A check box between a label and a field: the label is the box's.
+    EXPECT_FALSE(fields["matches"][5].contains("name")) << fields["matches"][5].dump();
     EXPECT_EQ(fields["matches"][2]["name"], "Note:");  // the caption just above it
     EXPECT_EQ(fields["matches"][3]["name"], "Postal code");
     act(ref({{"role", "textfield"}, {"name", "full name"}}), "set_value", "Ada");
     act(ref({{"role", "textfield"}, {"name", "email"}}), "set_value", "ada@example.org");
     EXPECT_EQ(std::get<std::string>(*desk().node("name")->findAttr("AXValue")), "Ada");
     EXPECT_EQ(std::get<std::string>(*desk().node("email")->findAttr("AXValue")), "ada@example.org");
+}
+
+TEST_F(Elements, TreeLeavesOutRepeatingLabelsAndVanishedChildren) {
+    // A button drawn with a label of its own name (GTK's are), and one whose
+    // label of the same name sits four levels down: that one is content.
+    const auto nested = [](Json inner, int levels) {
+        for (int i = 0; i < levels; ++i) inner = el("AXGroup", "", {inner});
+        return inner;
+    };
+    Json save = button("Save");
+    save["attrs"]["AXChildren"] = {nested(label("Save"), 1)};
+    Json open = button("Open");
+    open["attrs"]["AXChildren"] = {nested(label("Open"), 3)};
+    Json size = el("AXCheckBox", "Size");  // any control: only a label repeats
+    size["attrs"]["AXChildren"] = {el("AXButton", "Size")};
+    // A child gone while the window is read keeps its place in the paths.
+    loadWindows({window("Echo", {save, nullptr, open, size})});
+    const Json kids = tree({{"window", "Echo"}})["tree"][0]["children"];
+    ASSERT_EQ(kids.size(), 3u) << kids.dump();
+    EXPECT_EQ(kids[1]["ref"].get<std::string>().substr(0, 6), "7:0.2~");
+    EXPECT_FALSE(kids[0].contains("children")) << kids[0].dump();
+    ASSERT_TRUE(kids[1].contains("children")) << kids[1].dump();
+    EXPECT_EQ(kids[1]["children"][0]["role"], "statictext");
+    ASSERT_TRUE(kids[2].contains("children")) << kids[2].dump();
+    // find lists every label, the repeating ones too.
+    EXPECT_EQ(find({{"role", "statictext"}, {"window", "Echo"}})["count"], 2);
 }
 
 TEST_F(Elements, FindMatchesRoleNameTextAndState) {
@@ -217,7 +256,12 @@ TEST_F(Elements, SlidersTabsAndRowsTakeTheirActions) {
     row["id"] = "row";
     row["attrs"]["AXExpanded"] = false;
     row["settable"] = {"AXExpanded"};
-    loadWindows({window("Preferences", {slider, tab, row})});
+    Json secret = field("secret");
+    secret["attrs"]["AXRole"] = "AXSecureTextField";
+    secret["attrs"]["AXTitle"] = "Password";
+    loadWindows({window("Preferences", {slider, tab, row, secret})});
+    EXPECT_EQ(act(ref({{"name", "Password"}}), "set_value", "hunter2")["ok"], true);
+    EXPECT_EQ(std::get<std::string>(*desk().node("secret")->findAttr("AXValue")), "hunter2");
 
     const std::string volume = ref({{"name", "Volume"}});
     EXPECT_EQ(act(volume, "set_value", "7")["ok"], true);
@@ -235,6 +279,24 @@ TEST_F(Elements, SlidersTabsAndRowsTakeTheirActions) {
     EXPECT_EQ(act(fonts, "expand")["changed"], true);
     EXPECT_TRUE(std::get<bool>(*desk().node("row")->findAttr("AXExpanded")));
     EXPECT_EQ(act(volume, "expand")["error"]["case"], "notExpandable");
+}
+
+TEST_F(Elements, ContextMenusAreLookedForInTheirOwnApplication) {
+    Json item = button("Rename");
+    item["attrs"]["AXRole"] = "AXMenuItem";
+    Json menu = el("AXMenu", "", {item});
+    menu["id"] = "context";
+    menu["hidden"] = true;
+    Json file = el("AXRow", "Report.txt");
+    file["actions"] = {{"AXShowMenu", 0}};
+    file["reveals"] = "context";
+    Json notes = app("Notes", 7, {window("Files", {file})});
+    notes["element"]["attrs"]["ZBMenus"] = Json::array({menu});
+    loadDesk({{"apps", {app("Mail", 9, {window("Inbox")}), notes}}, {"frontmost", 9}});
+    const Json opened = act(ref({{"app", "Notes"}, {"name", "Report.txt"}}), "open_menu");
+    ASSERT_EQ(opened["menu"].size(), 1u) << opened.dump();
+    EXPECT_EQ(opened["menu"][0]["name"], "Rename");
+    EXPECT_EQ(opened["menu"][0]["ref"].get<std::string>().substr(0, 5), "7:p0.");
 }
 
 TEST_F(Elements, StaleReferencesActOnNothing) {
