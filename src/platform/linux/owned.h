@@ -8,8 +8,7 @@
 //   `get` lends, `release` hands the reference on, and `out()` lets a C
 //   function that hands back an object through a pointer store it here.
 // - `Owned<T, F>`: a std::unique_ptr whose deleter calls F (GError, g_malloc'd
-//   text, GArray, X11 data, displays and keymaps, D-Bus messages and pending
-//   calls);
+//   text, GArray, X11 data, displays and keymaps, D-Bus messages);
 //   `out(p)` does the same as `Ref::out()` for it (`GError**` arguments).
 #pragma once
 
