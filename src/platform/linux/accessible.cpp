@@ -64,8 +64,8 @@ std::optional<std::string> textContents(AtspiAccessible* object) {
 // The names are the actions' own (GetName), not the localized ones.
 namespace {
 
-Message actionCall(const char* bus, AtspiAccessible* object, const char* member, std::optional<dbus_int32_t> index) {
-    Message call = methodCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Action", member);
+Message actionCall(const char* bus, const char* path, const char* member, std::optional<dbus_int32_t> index) {
+    Message call = methodCall(bus, path, "org.a11y.atspi.Action", member);
     if (call && index && !dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &*index, DBUS_TYPE_INVALID)) {
         call.reset();
     }
@@ -74,32 +74,54 @@ Message actionCall(const char* bus, AtspiAccessible* object, const char* member,
 
 }  // namespace
 
+std::vector<std::optional<std::vector<std::string>>> actionNamesAt(DBusConnection* connection, const char* bus,
+                                                                    const std::vector<const std::string*>& paths) {
+    // Names, not GetActions: its answer holds the localized names, which are
+    // translated (GTK) or empty (Chromium).
+    std::vector<std::optional<std::vector<std::string>>> out(paths.size());
+    std::vector<Message> counts;
+    counts.reserve(paths.size());
+    for (const std::string* path : paths) {
+        counts.push_back(propertyCall(bus, path->c_str(), "org.a11y.atspi.Action", "NActions"));
+    }
+    const std::vector<Message> counted = callAll(connection, counts);
+    std::vector<Message> calls;
+    std::vector<std::size_t> owner;  // the path each name call is about
+    for (std::size_t k = 0; k < paths.size(); ++k) {
+        dbus_int32_t n = 0;
+        if (isErrorAnswer(counted[k])) out[k].emplace();  // no Action interface
+        if (!int32Answer(counted[k], &n)) continue;
+        out[k].emplace();
+        for (dbus_int32_t i = 0; i < n && i < 64; ++i) {
+            calls.push_back(actionCall(bus, paths[k]->c_str(), "GetName", i));
+            owner.push_back(k);
+        }
+    }
+    const std::vector<Message> answers = callAll(connection, calls);
+    for (std::size_t c = 0; c < answers.size(); ++c) {
+        std::optional<std::vector<std::string>>& names = out[owner[c]];
+        if (!names) continue;
+        if (const char* name = stringAnswer(answers[c])) {
+            names->emplace_back(name);
+        } else {
+            names.reset();
+        }
+    }
+    return out;
+}
+
 std::optional<std::vector<std::string>> actionNamesOf(AtspiAccessible* object) {
     const char* bus = busOf(object);
     if (bus == nullptr) return std::nullopt;
-    DBusConnection* connection = connectionOf(object);
-    std::vector<Message> count;
-    count.push_back(propertyCall(bus, pathOf(object).c_str(), "org.a11y.atspi.Action", "NActions"));
-    const Message counted = std::move(callAll(connection, count).front());
-    if (isErrorAnswer(counted)) return std::vector<std::string>{};  // no Action interface
-    dbus_int32_t n = 0;
-    if (!int32Answer(counted, &n)) return std::nullopt;
-    std::vector<Message> calls;
-    for (dbus_int32_t i = 0; i < n && i < 64; ++i) calls.push_back(actionCall(bus, object, "GetName", i));
-    std::vector<std::string> names;
-    for (const Message& answer : callAll(connection, calls)) {
-        const char* name = stringAnswer(answer);
-        if (name == nullptr) return std::nullopt;
-        names.emplace_back(name);
-    }
-    return names;
+    const std::string path = pathOf(object);
+    return std::move(actionNamesAt(connectionOf(object), bus, {&path}).front());
 }
 
 ActionRun runAction(AtspiAccessible* object, int index) {
     const char* bus = busOf(object);
     if (bus == nullptr) return ActionRun::refused;
     std::vector<Message> call;
-    call.push_back(actionCall(bus, object, "DoAction", index));
+    call.push_back(actionCall(bus, pathOf(object).c_str(), "DoAction", index));
     if (!call.front()) return ActionRun::refused;
     const Message answer = std::move(callAll(connectionOf(object), call).front());
     if (!answer) return ActionRun::unanswered;
@@ -111,7 +133,7 @@ std::string firstActionOf(AtspiAccessible* object) {
     const char* bus = busOf(object);
     if (bus == nullptr) return {};
     std::vector<Message> call;
-    call.push_back(actionCall(bus, object, "GetName", 0));
+    call.push_back(actionCall(bus, pathOf(object).c_str(), "GetName", 0));
     const char* name = stringAnswer(callAll(connectionOf(object), call).front());
     return name != nullptr ? name : "";
 }

@@ -31,6 +31,10 @@ std::optional<std::string> textContents(AtspiAccessible* object);
 // The names of `object`'s actions, asked of its application (empty when it
 // has none); nothing when it does not answer within the reply limit.
 std::optional<std::vector<std::string>> actionNamesOf(AtspiAccessible* object);
+// The same for the objects at `paths` of the application `bus` on
+// `connection`, in two batches (how many actions, then every name).
+std::vector<std::optional<std::vector<std::string>>> actionNamesAt(DBusConnection* connection, const char* bus,
+                                                                    const std::vector<const std::string*>& paths);
 // How asking `object` to run its action `index` came out: done, refused (an
 // error or a false answer), or unanswered within the reply limit (delivered,
 // and perhaps still running: an action that opens a modal dialog answers

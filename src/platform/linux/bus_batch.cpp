@@ -203,17 +203,6 @@ std::optional<std::vector<std::string>> stringsAnswer(const Message& answer) {
     return out;
 }
 
-std::optional<std::vector<std::string>> firstOfTriplesAnswer(const Message& answer) {
-    std::vector<std::string> out;
-    const bool read = eachElement(answer, "a(sss)", [&](DBusMessageIter* element) {
-        DBusMessageIter field;
-        dbus_message_iter_recurse(element, &field);
-        out.emplace_back(basicString(&field));
-    });
-    if (!read) return std::nullopt;
-    return out;
-}
-
 bool booleanAnswer(const Message& answer, bool* value) {
     dbus_bool_t b = FALSE;
     if (!firstArgument(answer, DBUS_TYPE_BOOLEAN, &b)) return false;

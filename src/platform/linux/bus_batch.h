@@ -44,9 +44,6 @@ using Reference = std::pair<std::string, std::string>;
 std::optional<std::vector<Reference>> referencesAnswer(const Message& answer);
 std::optional<std::vector<std::uint32_t>> uint32sAnswer(const Message& answer);
 std::optional<std::vector<std::string>> stringsAnswer(const Message& answer);
-// The first field of every structure of a successful answer of the
-// signature a(sss) (the names of an element's actions); nothing otherwise.
-std::optional<std::vector<std::string>> firstOfTriplesAnswer(const Message& answer);
 bool booleanAnswer(const Message& answer, bool* value);
 // Whether `answer` came and is an error (a refusal, not a silence).
 bool isErrorAnswer(const Message& answer);

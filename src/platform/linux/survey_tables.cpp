@@ -127,7 +127,7 @@ const std::vector<std::string>* Survey::actions(AtspiAccessible* object) const {
 
 void Survey::readActions() const {
     // The action names of every object under the root with the Action
-    // interface, in one batch; the others have none.
+    // interface, in two batches; the others have none.
     if (!completed_) complete();
     actions_.emplace();
     std::vector<const std::string*> asked;
@@ -140,14 +140,9 @@ void Survey::readActions() const {
             actions_->emplace(path, std::vector<std::string>{});
         }
     }
-    std::vector<Message> calls;
-    calls.reserve(asked.size());
-    for (const std::string* path : asked) {
-        calls.push_back(methodCall(busName_.c_str(), path->c_str(), "org.a11y.atspi.Action", "GetActions"));
-    }
-    const std::vector<Message> answers = callAll(bus_, calls);
+    std::vector<std::optional<std::vector<std::string>>> names = actionNamesAt(bus_, busName_.c_str(), asked);
     for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (auto names = firstOfTriplesAnswer(answers[i])) actions_->emplace(*asked[i], std::move(*names));
+        if (names[i]) actions_->emplace(*asked[i], std::move(*names[i]));
     }
 }
 
