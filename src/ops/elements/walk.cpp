@@ -177,8 +177,10 @@ bool plainContainer(const Facts& f) {
         container = (f.role == ax::kStaticTextRole || f.role == ax::kImageRole) && f.name.empty() && f.value.empty();
         if (!container) return false;
     }
+    // A menu of its own does not set a container apart: a web page gives
+    // every element its context menu.
     bool acts = false;
-    for (const std::string& a : f.actions) acts = acts || a == ax::kPressAction || a == ax::kShowMenuAction;
+    for (const std::string& a : f.actions) acts = acts || a == ax::kPressAction;
     return f.name.empty() && f.value.empty() && f.description.empty() && !acts && !f.focused && !f.selected &&
            !f.expanded.has_value() && !f.editable;
 }

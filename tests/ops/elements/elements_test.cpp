@@ -151,7 +151,7 @@ TEST_F(Elements, FieldsTakeTheLabelDrawnBesideThemWhateverTheOrder) {
     EXPECT_EQ(std::get<std::string>(*desk().node("email")->findAttr("AXValue")), "ada@example.org");
 }
 
-TEST_F(Elements, TreeLeavesOutRepeatingLabelsAndVanishedChildren) {
+TEST_F(Elements, TreeLeavesOutRepeatingLabelsPlainGroupsAndVanishedChildren) {
     // A button drawn with a label of its own name (GTK's are), and one whose
     // label of the same name sits four levels down: that one is content.
     const auto nested = [](Json inner, int levels) {
@@ -164,14 +164,19 @@ TEST_F(Elements, TreeLeavesOutRepeatingLabelsAndVanishedChildren) {
     open["attrs"]["AXChildren"] = {nested(label("Open"), 3)};
     Json size = el("AXCheckBox", "Size");  // any control: only a label repeats
     size["attrs"]["AXChildren"] = {el("AXButton", "Size")};
-    // A child gone while the window is read keeps its place in the paths.
-    loadWindows({window("Echo", {save, nullptr, open, size})});
+    // A group with nothing but a context menu is as plain as any (a web page
+    // gives every element one); a child gone while the window is read keeps
+    // its place in the paths.
+    Json section = el("AXGroup", "", {size});
+    section["actions"] = {{"AXShowMenu", 0}};
+    loadWindows({window("Echo", {save, nullptr, open, section})});
     const Json kids = tree({{"window", "Echo"}})["tree"][0]["children"];
     ASSERT_EQ(kids.size(), 3u) << kids.dump();
     EXPECT_EQ(kids[1]["ref"].get<std::string>().substr(0, 6), "7:0.2~");
     EXPECT_FALSE(kids[0].contains("children")) << kids[0].dump();
     ASSERT_TRUE(kids[1].contains("children")) << kids[1].dump();
     EXPECT_EQ(kids[1]["children"][0]["role"], "statictext");
+    EXPECT_EQ(kids[2]["role"], "checkbox");
     ASSERT_TRUE(kids[2].contains("children")) << kids[2].dump();
     // find lists every label, the repeating ones too.
     EXPECT_EQ(find({{"role", "statictext"}, {"window", "Echo"}})["count"], 2);
