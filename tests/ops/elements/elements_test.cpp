@@ -302,6 +302,7 @@ TEST_F(Elements, ContextMenusAreLookedForInTheirOwnApplication) {
     ASSERT_EQ(opened["menu"].size(), 1u) << opened.dump();
     EXPECT_EQ(opened["menu"][0]["name"], "Rename");
     EXPECT_EQ(opened["menu"][0]["ref"].get<std::string>().substr(0, 5), "7:p0.");
+    EXPECT_EQ(act(opened["menu"][0]["ref"].get<std::string>(), "press")["ok"], true);
 }
 
 TEST_F(Elements, StaleReferencesActOnNothing) {
@@ -342,9 +343,11 @@ TEST_F(Elements, WaitsUntilAnElementAppearsOrTimesOut) {
 }
 
 TEST_F(Elements, KeysByNameAreChecked) {
-    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME 4 plus S ctrl+S esc end pagedown"))["chords"], 10);
+    // Chords are apart by spaces, however many.
+    EXPECT_EQ(call(zeblo_press_keys("Notes", "ctrl+shift+t + HOME  4 plus S ctrl+S esc end pagedown "))["chords"], 10);
     const auto keys = traceOf("key");
     ASSERT_EQ(keys.size(), 20u);
+    for (std::size_t i = 0; i < keys.size(); ++i) EXPECT_EQ(keys[i]["down"], i % 2 == 0) << i;  // down, then up
     EXPECT_EQ(keys[0]["key"], 17);                      // t
     EXPECT_EQ(keys[0]["flags"], 0x40000 | 0x20000);     // Control and Shift
     EXPECT_EQ(keys[2]["key"], 24);                      // "+" is Shift and "="
