@@ -155,19 +155,19 @@ TEST_F(Elements, TreeLeavesOutRepeatingLabelsPlainGroupsAndVanishedChildren) {
     // A button drawn with a label of its own name (GTK's are), and one whose
     // label of the same name sits four levels down: that one is content.
     const auto nested = [](Json inner, int levels) {
-        for (int i = 0; i < levels; ++i) inner = el("AXGroup", "", {inner});
+        for (int i = 0; i < levels; ++i) inner = el("AXGroup", "", Json::array({inner}));
         return inner;
     };
     Json save = button("Save");
-    save["attrs"]["AXChildren"] = {nested(label("Save"), 1)};
+    save["attrs"]["AXChildren"] = Json::array({nested(label("Save"), 1)});
     Json open = button("Open");
-    open["attrs"]["AXChildren"] = {nested(label("Open"), 3)};
+    open["attrs"]["AXChildren"] = Json::array({nested(label("Open"), 3)});
     Json size = el("AXCheckBox", "Size");  // any control: only a label repeats
-    size["attrs"]["AXChildren"] = {el("AXButton", "Size")};
+    size["attrs"]["AXChildren"] = Json::array({el("AXButton", "Size")});
     // A group with nothing but a context menu is as plain as any (a web page
     // gives every element one); a child gone while the window is read keeps
     // its place in the paths.
-    Json section = el("AXGroup", "", {size});
+    Json section = el("AXGroup", "", Json::array({size}));
     section["actions"] = {{"AXShowMenu", 0}};
     loadWindows({window("Echo", {save, nullptr, open, section})});
     const Json kids = tree({{"window", "Echo"}})["tree"][0]["children"];
