@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/linux/accessible.h"
@@ -165,15 +167,14 @@ void Survey::complete() const {
     }
     // Each new item joins its parent's list when the parent is new as well
     // (a cached parent's list was asked for whole when the survey was taken).
-    std::unordered_map<std::string, bool> isNew;
-    for (std::size_t i = 0; i < uncached.size(); ++i) isNew.emplace(*uncached[i], added[i] != nullptr);
+    std::unordered_map<std::string_view, Item*> fresh;
+    for (std::size_t i = 0; i < uncached.size(); ++i) {
+        if (added[i] != nullptr) fresh.emplace(*uncached[i], added[i]);
+    }
     for (std::size_t i = 0; i < uncached.size(); ++i) {
         if (added[i] == nullptr) continue;
-        const auto parent = items_.find(added[i]->parentPath);
-        const auto fresh = isNew.find(added[i]->parentPath);
-        if (parent != items_.end() && fresh != isNew.end() && fresh->second) {
-            parent->second.children.push_back(under_.at(*uncached[i]));
-        }
+        const auto parent = fresh.find(added[i]->parentPath);
+        if (parent != fresh.end()) parent->second->children.push_back(under_.at(*uncached[i]));
     }
     for (std::size_t i = 0; i < uncached.size(); ++i) {
         if (added[i] != nullptr) settle(*uncached[i], *added[i]);

@@ -47,6 +47,15 @@ void noteInterface(Survey::Item& item, const std::string& interface) {
     item.hasEditableText |= interface == "org.a11y.atspi.EditableText";
 }
 
+// Notes on `item` its state set (GetState's words) and its interfaces.
+void noteStatesAndInterfaces(Survey::Item& item, const std::vector<std::uint32_t>& states,
+                             const std::vector<std::string>& interfaces) {
+    for (std::size_t word = 0; word < 2 && word < states.size(); ++word) {
+        item.states |= std::uint64_t{states[word]} << (32 * word);
+    }
+    for (const std::string& interface : interfaces) noteInterface(item, interface);
+}
+
 }  // namespace
 
 std::optional<std::vector<std::pair<std::string, Survey::Item>>> decodeItems(const Message& answer) {
@@ -108,10 +117,7 @@ std::optional<Survey::Item> itemFromAnswers(const Message* answer) {
     item.role = static_cast<AtspiRole>(role);
     item.name = name;
     item.description = description;
-    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
-        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
-    }
-    for (const std::string& interface : *interfaces) noteInterface(item, interface);
+    noteStatesAndInterfaces(item, *states, *interfaces);
     item.childCount = -1;
     return item;
 }
@@ -159,10 +165,7 @@ std::optional<Survey::Item> itemFromPropertyAnswers(const Message* answer) {
         }
     });
     if (!named || !described) return std::nullopt;
-    for (std::size_t word = 0; word < 2 && word < states->size(); ++word) {
-        item.states |= std::uint64_t{(*states)[word]} << (32 * word);
-    }
-    for (const std::string& interface : *interfaces) noteInterface(item, interface);
+    noteStatesAndInterfaces(item, *states, *interfaces);
     return item;
 }
 

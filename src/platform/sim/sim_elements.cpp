@@ -159,9 +159,9 @@ platform::AttributeRead SimDesktop::copyAttributeValue(const platform::Element& 
     } else if (auto* children = std::get_if<std::vector<Node*>>(a)) {
         std::vector<platform::Element> out;
         out.reserve(children->size());
+        // "AXChildren" holds what a user sees, "ZBMenus" the menus open now.
+        const bool shownOnly = attribute == ax::kChildrenAttribute || attribute == ax::kMenusAttribute;
         for (Node* c : *children) {
-            // "AXChildren" holds what a user sees, "ZBMenus" the menus open now.
-            const bool shownOnly = attribute == ax::kChildrenAttribute || attribute == ax::kMenusAttribute;
             if (c != nullptr && c->hidden && shownOnly) continue;
             out.push_back(handOut(c));
         }
